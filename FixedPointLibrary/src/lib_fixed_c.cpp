@@ -1,0 +1,93 @@
+// Record layer: building a record from a double, reading it back, shifting
+// it, and adding or subtracting records of one format.
+#include "lib_fixed_c.h"
+
+#include <cmath>
+
+#include "fixed_report.h"
+#include "lib_fixpoint.h"
+
+namespace Fixed {
+namespace {
+
+// Flags are valid as 0 or 1 only; the comparison is unsigned so that
+// negative values are invalid too.
+bool isInvalidFlag(int flag)
+{
+    return static_cast<uint32_t>(flag) > 1u;
+}
+
+bool sameWidthAndExponent(const fixed& a, const fixed& b)
+{
+    return a.bits == b.bits && a.exp == b.exp;
+}
+
+bool sameFormat(const fixed& a, const fixed& b)
+{
+    return sameWidthAndExponent(a, b) && a.sign == b.sign;
+}
+
+}  // namespace
+
+fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+{
+    if (isInvalidFlag(sign))
+        FIXED_REPORT(signature::double2fixed, message::double2fixedSign);
+    if (isInvalidFlag(round))
+        FIXED_REPORT(signature::double2fixed, message::double2fixedRound);
+    if (isInvalidFlag(wrap))
+        FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
+
+    fixed result;
+    result.sign = sign;
+    result.bits = wrappingAdd(intbits, fracbits);
+    result.exp = wrappingNegate(fracbits);
+    if (result.bits > maxBits) {
+        FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
+        // The five words cannot hold the mantissa: they are cleared instead,
+        // so the record reads as zero and nothing is written beyond val[4].
+        for (int32_t& word : result.val)
+            word = 0;
+        return result;
+    }
+    // value x 2^fracbits (that is 2^-exp without negating exp, which could
+    // overflow for the most negative fracbits).
+    const double scaled = powerOfTwo(fracbits) * value;
+    float2fix(scaled, result.bits, result.val, sign, round, wrap);
+    return result;
+}
+
+double fixed2double(fixed f)
+{
+    const double scale = powerOfTwo(f.exp);
+    const double mantissa = fix2float(f.val, f.bits, f.sign);
+    return scale * mantissa;
+}
+
+fixed fixedshift(fixed f, int n)
+{
+    f.exp = wrappingAdd(f.exp, n);
+    return f;
+}
+
+fixed fixedadd(fixed a, fixed b)
+{
+    if (!sameFormat(a, b))
+        FIXED_REPORT(signature::fixedadd, message::fixedaddFormat);
+    // val[0] is always summed, even for a width below 1; no word beyond
+    // val[4] is touched whatever a.bits says.
+    const int nw = recordWordCount(a.bits);
+    fixadd(a.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return a;
+}
+
+fixed fixedsub(fixed a, fixed b)
+{
+    if (!sameFormat(a, b))
+        FIXED_REPORT(signature::fixedsub, message::fixedsubFormat);
+    const int nw = recordWordCount(a.bits);
+    fixsub(a.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return a;
+}
+
+}  // namespace Fixed

@@ -1,0 +1,36 @@
+// Record layer of the core: operations on whole Fixed::fixed records, passed
+// and returned by value. Argument errors are reported ("C error: ...") and the
+// operation still returns a record.
+#ifndef FIXEDPOINT_LIB_FIXED_C_H
+#define FIXEDPOINT_LIB_FIXED_C_H
+
+#include "FixedPoint.h"
+
+namespace Fixed {
+
+/// A record of intbits + fracbits bits and exp = -fracbits holding value,
+/// floored or rounded to nearest (ties up), saturated or wrapped.
+fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap);
+/// 2^exp x mantissa.
+double fixed2double(fixed f);
+/// f with exp moved by n: the value times 2^n, mantissa words unchanged.
+fixed fixedshift(fixed f, int n);
+/// x re-quantised into intbits integer and fracbits fractional bits; the
+/// source mantissa is read under sign.
+fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap);
+/// a + b in a's format, wrapping at its width.
+fixed fixedadd(fixed a, fixed b);
+/// a - b in a's format, wrapping at its width.
+fixed fixedsub(fixed a, fixed b);
+/// The exact product: widths and exponents add, signed if either factor is.
+fixed fixedmult(fixed a, fixed b);
+/// 1 when a > b, each mantissa read with its own signedness.
+int fixedgt(fixed a, fixed b);
+/// 1 when a <= b (the negation of fixedgt).
+int fixedle(fixed a, fixed b);
+/// 1 when the mantissa words are equal.
+int fixedeq(fixed a, fixed b);
+
+}  // namespace Fixed
+
+#endif  // FIXEDPOINT_LIB_FIXED_C_H

@@ -1,0 +1,135 @@
+// Word layer of the core: routines on arrays of 32-bit mantissa words in the
+// left-aligned layout of Fixed::fix (val[0] least significant, the top
+// mantissa bit at bit 31 of the top word in use, zero pad bits at the bottom
+// of the lowest word). Flags are plain ints and every nonzero flag counts as
+// 1. Nothing here allocates except fixmult's carry counters.
+#ifndef FIXEDPOINT_LIB_FIXPOINT_H
+#define FIXEDPOINT_LIB_FIXPOINT_H
+
+#include <cstdint>
+
+namespace Fixed {
+
+/// Most mantissa words a record holds (160 bits).
+constexpr int maxWords = 5;
+/// Widest mantissa a record holds.
+constexpr int maxBits = 32 * maxWords;
+
+// ---- Bit tables -----------------------------------------------------------
+
+/// Entry 0 all ones; entry n (1..31) the n highest bits set. Indexed by
+/// bits mod 32 it masks the mantissa bits of the lowest word.
+extern const uint32_t highmask[32];
+/// Entry i: 1 << i.
+extern const uint32_t lowbit[32];
+/// Entry i: 0x80000000 >> i.
+extern const uint32_t highbit[32];
+/// Entry i: number of set bits in the nibble i.
+extern const uint32_t nibblecount[16];
+
+// ---- Shared integer helpers ----------------------------------------------
+
+/// Words in use for a width: ceil(bits / 32) with truncating division, so 0
+/// for widths 0 to -31 and negative below.
+constexpr int wordCount(int bits) { return bits / 32 + (bits % 32 > 0 ? 1 : 0); }
+
+/// Words of a record that a width may touch: wordCount clamped to 0..5, so
+/// that a record left behind by a reported width error is never read or
+/// written beyond val[4].
+constexpr int recordWordCount(int bits)
+{
+    return bits < 1 ? 0 : (bits > maxBits ? maxWords : wordCount(bits));
+}
+
+/// 32-bit two's complement addition without signed overflow.
+constexpr int32_t wrappingAdd(int32_t a, int32_t b)
+{
+    return static_cast<int32_t>(static_cast<uint32_t>(a) + static_cast<uint32_t>(b));
+}
+
+/// 32-bit two's complement negation without signed overflow.
+constexpr int32_t wrappingNegate(int32_t a)
+{
+    return static_cast<int32_t>(0u - static_cast<uint32_t>(a));
+}
+
+/// The word's bits as an unsigned number.
+constexpr uint32_t asUnsigned(int32_t word) { return static_cast<uint32_t>(word); }
+
+/// An unsigned word stored into the signed word arrays (same bits).
+constexpr int32_t asWord(uint32_t bits) { return static_cast<int32_t>(bits); }
+
+/// 2^n as a double: exact for every integer n, overflowing to infinity and
+/// underflowing to zero exactly as pow(2.0, n) does.
+double powerOfTwo(int n);
+
+// ---- Doubles in and out ---------------------------------------------------
+
+/// The integer M held in the words (exponent not applied), summed from the
+/// lowest word upward: exact up to 53 bits, correctly rounded up to 64 bits,
+/// rounded in sequence above. Widths outside 1..160 give 0.0.
+double fix2float(const int32_t* words, int bits, int sign);
+
+/// Quantises value (counted in LSB units) into nw = ceil(bits / 32) words:
+/// floor or nearest (ties up), then saturation or wrap-around. Returns 1 when
+/// a saturation pattern was written. Writes nothing for widths below 1.
+int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap);
+
+// ---- Format conversion kernels (destination words cleared on entry) -----
+
+/// More integer bits, every source bit kept: sign fill and shifted copy.
+void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign);
+/// More integer bits, low source bits dropped and optionally rounded.
+void fixwidenround(const int32_t* srcTop, int32_t* dstTop, int kept, int d, int sign, int round);
+/// Same integer bits, fewer fractional bits: masked copy and rounding carry.
+uint32_t fixround(const int32_t* srcTop, int32_t* dstTop, int bt, int sign, int round, int wrap);
+/// Fewer integer bits, no fractional bit dropped: range check and copy.
+uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k, int sign, int wrap);
+/// Fewer integer bits and fewer fractional bits.
+uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
+                        int wrap);
+/// Word-array form of the whole conversion; returns 1 when it saturated.
+uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
+                   int dstexp, int sign, int round, int wrap);
+
+// ---- Multiplication -------------------------------------------------------
+
+/// out[0..nx+ny-1] = x * y (two's complement where sx / sy are set); out
+/// must be zero on entry. Carry counters are taken from the heap and released.
+void fixmult(int32_t* out, const int32_t* x, const int32_t* y, int nx, int ny, int nout, int sx,
+             int sy);
+
+// ---- Word primitives ------------------------------------------------------
+
+/// out = x + y over n >= 1 words; returns the carry out of the top word.
+int fixadd(int32_t* out, const int32_t* x, const int32_t* y, int n);
+/// out = x - y over n >= 1 words; returns the borrow out of the top word.
+int fixsub(int32_t* out, const int32_t* x, const int32_t* y, int n);
+/// out = -x over n words; returns 1 when x was zero (or n < 1).
+int fixneg(int32_t* out, const int32_t* x, int n);
+/// out = NOT x over the words of a width, pad bits of out[0] cleared.
+void fixnot(int32_t* out, const int32_t* x, int width);
+/// out = x AND y over n words.
+void fixand(int32_t* out, const int32_t* x, const int32_t* y, int n);
+/// 1 when all n word pairs are equal (1 for n < 1).
+int fixeq(const int32_t* x, const int32_t* y, int n);
+/// 1 when some word pair differs (0 for n < 1).
+int fixne(const int32_t* x, const int32_t* y, int n);
+/// Number of set bits in n words (0 for n < 1).
+int fixbitcount(const int32_t* x, int n);
+
+// ---- Text -----------------------------------------------------------------
+
+/// The whole mantissa as digits of digitbits bits, then "*2^exp" when exp is
+/// nonzero; written backward ending at str, step apart. Returns the length;
+/// with query nonzero writes nothing and returns the same length.
+int fix2str1(const int32_t* words, int bits, int exp, char* str, int digitbits, int step, int align,
+             int lower, int query);
+/// Positional text with a radix point, or scientific form with one integer
+/// bit and "*2^e"; same conventions as fix2str1.
+int fix2str2(const int32_t* words, int bits, int exp, char* str, int digitbits, int step, int align,
+             int lower, int query);
+
+}  // namespace Fixed
+
+#endif  // FIXEDPOINT_LIB_FIXPOINT_H

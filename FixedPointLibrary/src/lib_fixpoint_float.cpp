@@ -1,0 +1,190 @@
+// Doubles into and out of mantissa words: fix2float and float2fix. Both work
+// operation by operation in doubles, in the order the firmware's data was
+// produced with, so their results (including the roundings of widths above
+// 53 bits) are reproducible bit for bit on every platform.
+#include <cmath>
+
+#include "fixed_report.h"
+#include "lib_fixpoint.h"
+
+namespace Fixed {
+namespace {
+
+constexpr double twoToMinus32 = 2.3283064365386963e-10;
+constexpr double twoTo32 = 4294967296.0;
+
+// A double in [0, 2^32) truncated toward zero. C++ leaves the conversion of
+// NaN and out-of-range doubles undefined (x86-64 and ARM disagree), so those
+// are defined here: NaN and negatives give 0, values from 2^32 up give the
+// largest word. The split only produces them for non-finite input.
+uint32_t truncateToWord(double value)
+{
+    if (!(value > 0.0))
+        return 0u;
+    if (value >= twoTo32)
+        return 0xFFFFFFFFu;
+    return static_cast<uint32_t>(value);
+}
+
+// Rounding stage: value to an integer-valued double x.
+double roundToInteger(double value, int round)
+{
+    if (round == 0)
+        return std::floor(value);
+    if (value >= -0.5 && value < 0.5)
+        return 0.0;
+    const double whole = std::floor(value);
+    const double increment = std::floor(2.0 * (value - whole));
+    if (increment > 1.0 || increment < 0.0) {
+        FIXED_REPORT(signature::float2fix, message::float2fixRounding);
+        return value;
+    }
+    return whole + increment;
+}
+
+void writeSignedMinimum(int32_t* words, int nw)
+{
+    for (int i = 0; i < nw - 1; ++i)
+        words[i] = 0;
+    words[nw - 1] = asWord(0x80000000u);
+}
+
+void writeSignedMaximum(int32_t* words, int nw, int r)
+{
+    if (nw == 1) {
+        words[0] = asWord(highmask[r] & 0x7FFFFFFFu);
+        return;
+    }
+    words[0] = asWord(highmask[r]);
+    for (int i = 1; i < nw - 1; ++i)
+        words[i] = asWord(0xFFFFFFFFu);
+    words[nw - 1] = asWord(0x7FFFFFFFu);
+}
+
+void writeUnsignedMaximum(int32_t* words, int nw, int r)
+{
+    words[0] = asWord(highmask[r]);
+    for (int i = 1; i < nw; ++i)
+        words[i] = asWord(0xFFFFFFFFu);
+}
+
+void writeZero(int32_t* words, int nw)
+{
+    for (int i = 0; i < nw; ++i)
+        words[i] = 0;
+}
+
+// Range stage under saturation: writes the saturation pattern and returns 1
+// when x lies outside the format, else 0.
+int saturateIfOutOfRange(double x, int bits, int32_t* words, int nw, int r, int sign)
+{
+    if (sign != 0) {
+        const double limit = powerOfTwo(bits - 1);
+        if (x < -limit) {
+            writeSignedMinimum(words, nw);
+            return 1;
+        }
+        if (x >= limit) {
+            writeSignedMaximum(words, nw, r);
+            return 1;
+        }
+        return 0;
+    }
+    if (x < 0.0) {
+        writeZero(words, nw);
+        return 1;
+    }
+    if (x >= powerOfTwo(bits)) {
+        writeUnsignedMaximum(words, nw, r);
+        return 1;
+    }
+    return 0;
+}
+
+// Range stage under wrap-around: the integer congruent to x modulo 2^bits
+// nearest to zero from below, computed in doubles.
+double wrapIntoRange(double x, int bits)
+{
+    const double q = std::floor(0.5 + x * powerOfTwo(-bits));
+    return x - q * powerOfTwo(bits);
+}
+
+// Split stage: the integer x into nw words, least significant first. Floor
+// produces two's complement for negative x without a negation.
+void splitIntoWords(double x, int32_t* words, int nw, int r)
+{
+    int k = 0;
+    int left = nw;
+    if (r != 0) {
+        const double t = x * powerOfTwo(-r);
+        const double whole = std::floor(t);
+        const uint32_t low = truncateToWord((t - whole) * powerOfTwo(r));
+        words[0] = asWord(low << (32 - r));
+        x = whole;
+        k = 1;
+        left = nw - 1;
+    }
+    for (; left > 0; ++k, --left) {
+        if (x == 0.0 || x == -1.0) {
+            const int32_t fill = x == 0.0 ? 0 : -1;
+            for (; left > 0; ++k, --left)
+                words[k] = fill;
+            break;
+        }
+        const double t = x * twoToMinus32;
+        const double whole = std::floor(t);
+        words[k] = asWord(truncateToWord((t - whole) * twoTo32));
+        x = whole;
+    }
+    if (x != 0.0 && x != -1.0)
+        FIXED_REPORT(signature::float2fix, message::float2fixSplit);
+}
+
+}  // namespace
+
+double fix2float(const int32_t* words, int bits, int sign)
+{
+    if (bits < 1 || bits > maxBits)
+        return 0.0;
+    const int r = bits % 32;
+    const int nw = wordCount(bits);
+    if (r != 0 && nw == 1) {
+        const int shift = 32 - r;
+        if (sign != 0)
+            return static_cast<double>(words[0] >> shift);  // arithmetic shift
+        return static_cast<double>(asUnsigned(words[0]) >> shift);
+    }
+    double sum = 0.0;
+    double scale = 1.0;
+    int next = 0;
+    if (r != 0) {
+        sum = static_cast<double>(asUnsigned(words[0]) >> (32 - r));
+        scale = powerOfTwo(r);
+        next = 1;
+    }
+    for (; next < nw - 1; ++next) {
+        sum += static_cast<double>(asUnsigned(words[next])) * scale;
+        scale *= twoTo32;
+    }
+    const double top = sign != 0 ? static_cast<double>(words[nw - 1])
+                                 : static_cast<double>(asUnsigned(words[nw - 1]));
+    return sum + top * scale;
+}
+
+int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+{
+    // A width below 1 has no words in use; nothing is written for it.
+    if (bits < 1)
+        return 0;
+    const int r = bits % 32;
+    const int nw = wordCount(bits);
+    double x = roundToInteger(value, round);
+    if (wrap != 0)
+        x = wrapIntoRange(x, bits);
+    else if (saturateIfOutOfRange(x, bits, words, nw, r, sign) != 0)
+        return 1;
+    splitIntoWords(x, words, nw, r);
+    return 0;
+}
+
+}  // namespace Fixed

@@ -1,0 +1,21 @@
+#!/usr/bin/env bash
+# Installs the build and test dependencies from Debian 12's archive, only
+# those that are missing. Needs root (or sudo) when something is missing.
+# Extra package names may be passed as arguments.
+set -euo pipefail
+
+packages=(cmake make g++ pkg-config qtbase5-dev libgtest-dev libgmp-dev libbenchmark-dev "$@")
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'install ok installed' \
+        || missing+=("$package")
+done
+[ ${#missing[@]} -eq 0 ] && exit 0
+
+echo "Installing: ${missing[*]}"
+sudo_cmd=()
+[ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
+export DEBIAN_FRONTEND=noninteractive
+"${sudo_cmd[@]}" apt-get update -qq
+"${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"

@@ -1,0 +1,54 @@
+// Independent exact model of the library's numbers on GMP integers: mantissa
+// words read and written in the left-aligned layout, doubles floored or
+// rounded half up exactly, saturation and wrap-around.
+#ifndef FIXEDPOINT_TESTS_EXACT_MODEL_H
+#define FIXEDPOINT_TESTS_EXACT_MODEL_H
+
+#include <gmpxx.h>
+
+#include <array>
+#include <cstdint>
+#include <random>
+#include <string>
+
+namespace model {
+
+using Words = std::array<int32_t, 5>;
+
+/// Words in use for a width of 1..160 bits.
+int wordsFor(int bits);
+
+/// The integer held left-aligned in the words (pad bits ignored).
+mpz_class readMantissa(const int32_t* words, int bits, bool isSigned);
+
+/// m modulo 2^bits written left-aligned into wordsFor(bits) words, pad bits
+/// zero; words above are left alone.
+void writeMantissa(const mpz_class& m, int bits, int32_t* words);
+
+/// Range of a bits-wide mantissa.
+mpz_class minimum(int bits, bool isSigned);
+mpz_class maximum(int bits, bool isSigned);
+
+/// floor(value) or floor(value + 1/2), exactly. value must be finite.
+mpz_class roundDouble(double value, bool nearest);
+
+/// m reduced modulo 2^bits into the format's range (two's complement read
+/// back for signed formats).
+mpz_class wrapInto(const mpz_class& m, int bits, bool isSigned);
+
+/// m clamped to the format's range.
+mpz_class saturateInto(const mpz_class& m, int bits, bool isSigned);
+
+/// Hex text of the words, top first, for failure messages.
+std::string hexWords(const int32_t* words, int count);
+
+/// A width drawn with weight on the boundaries that matter for 32-bit words
+/// and 53-bit doubles: 1, 31-33, 53-54, 63-65, 96, 159-160; else uniform.
+int boundaryWeightedWidth(std::mt19937_64& random);
+
+/// A uniformly random integer in the format's range.
+mpz_class randomMantissa(std::mt19937_64& random, int bits, bool isSigned);
+
+}  // namespace model
+
+#endif  // FIXEDPOINT_TESTS_EXACT_MODEL_H

@@ -1,0 +1,192 @@
+// fixpt: quantise a value into a fixed-point format from the command line.
+//
+//   fixpt VALUE INTBITS FRACBITS [--unsigned] [--round floor|nearest]
+//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n]
+//
+// Prints the quantised value, the raw pattern (or the mantissa words above
+// 64 bits) and the quantisation error. Diagnostics reach stderr through the
+// host's report function.
+#include <QCoreApplication>
+#include <QCommandLineParser>
+#include <QStringList>
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "FixedPoint.h"
+
+namespace {
+
+struct Format {
+    int intBits;
+    int fracBits;
+    CFixedPoint::SIGN sign;
+    CFixedPoint::ROUND round;
+    CFixedPoint::WRAP wrap;
+};
+
+struct Request {
+    double value;
+    Format format;
+    bool warn;
+    CFixedPoint::MAXVALUE maxValue;
+};
+
+[[noreturn]] void usageError(const QCommandLineParser& parser, const QString& message)
+{
+    std::fprintf(stderr, "fixpt: %s\n\n%s", message.toLocal8Bit().constData(),
+                 parser.helpText().toLocal8Bit().constData());
+    std::exit(2);
+}
+
+// Options that take a value; everything else that does not start with '-'
+// followed by a letter is a positional argument (negative numbers included).
+const char* const optionsWithValue[] = {"--round", "--overflow", "--max"};
+
+bool takesValue(const QString& argument)
+{
+    for (const char* option : optionsWithValue) {
+        if (argument == QLatin1String(option))
+            return true;
+    }
+    return false;
+}
+
+bool isOption(const QString& argument)
+{
+    return argument.size() > 1 && argument.at(0) == QLatin1Char('-') &&
+           !argument.at(1).isDigit() && argument.at(1) != QLatin1Char('.');
+}
+
+// Moves positional arguments behind "--" so that negative values such as
+// -1.5 are not taken for options.
+QStringList separatePositionals(const QStringList& arguments)
+{
+    QStringList options;
+    QStringList positionals;
+    options << arguments.value(0);
+    for (int i = 1; i < arguments.size(); ++i) {
+        const QString& argument = arguments.at(i);
+        if (argument == QLatin1String("--")) {
+            positionals << arguments.mid(i + 1);
+            break;
+        }
+        if (isOption(argument)) {
+            options << argument;
+            if (takesValue(argument) && i + 1 < arguments.size())
+                options << arguments.at(++i);
+        } else {
+            positionals << argument;
+        }
+    }
+    return options << QStringLiteral("--") << positionals;
+}
+
+int parseInt(const QCommandLineParser& parser, const QString& text, const char* what)
+{
+    bool ok = false;
+    const int value = text.toInt(&ok);
+    if (!ok)
+        usageError(parser, QStringLiteral("%1 is not an integer: %2").arg(QLatin1String(what), text));
+    return value;
+}
+
+template <typename Enum>
+Enum parseChoice(const QCommandLineParser& parser, const QString& option, const char* first,
+                 const char* second)
+{
+    const QString text = parser.value(option);
+    if (text == QLatin1String(first))
+        return static_cast<Enum>(0);
+    if (text == QLatin1String(second))
+        return static_cast<Enum>(1);
+    usageError(parser, QStringLiteral("--%1 takes %2 or %3, not %4")
+                           .arg(option, QLatin1String(first), QLatin1String(second), text));
+}
+
+Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
+{
+    parser.setApplicationDescription(QStringLiteral("Quantise VALUE into a fixed-point format."));
+    parser.addHelpOption();
+    parser.addPositionalArgument(QStringLiteral("VALUE"), QStringLiteral("The number to quantise."));
+    parser.addPositionalArgument(QStringLiteral("INTBITS"),
+                                 QStringLiteral("Integer bits, the sign bit included when signed."));
+    parser.addPositionalArgument(QStringLiteral("FRACBITS"), QStringLiteral("Fractional bits."));
+    parser.addOption({QStringLiteral("unsigned"), QStringLiteral("Unsigned format (default: signed).")});
+    parser.addOption({QStringLiteral("round"), QStringLiteral("floor or nearest (default nearest)."),
+                      QStringLiteral("mode"), QStringLiteral("nearest")});
+    parser.addOption({QStringLiteral("overflow"),
+                      QStringLiteral("saturate or wrap (default saturate)."), QStringLiteral("mode"),
+                      QStringLiteral("saturate")});
+    parser.addOption({QStringLiteral("warn"),
+                      QStringLiteral("Report an integer part that does not fit INTBITS.")});
+    parser.addOption({QStringLiteral("max"),
+                      QStringLiteral("Largest integer part accepted by --warn: 2n-1 or 2n."),
+                      QStringLiteral("bound"), QStringLiteral("2n-1")});
+    if (!parser.parse(separatePositionals(arguments)))
+        usageError(parser, parser.errorText());
+    if (parser.isSet(QStringLiteral("help"))) {
+        std::printf("%s", parser.helpText().toLocal8Bit().constData());
+        std::exit(0);
+    }
+    const QStringList positionals = parser.positionalArguments();
+    if (positionals.size() != 3)
+        usageError(parser, QStringLiteral("expected VALUE INTBITS FRACBITS"));
+
+    Request request;
+    bool ok = false;
+    request.value = positionals.at(0).toDouble(&ok);
+    if (!ok)
+        usageError(parser, QStringLiteral("VALUE is not a number: %1").arg(positionals.at(0)));
+    request.format.intBits = parseInt(parser, positionals.at(1), "INTBITS");
+    request.format.fracBits = parseInt(parser, positionals.at(2), "FRACBITS");
+    request.format.sign =
+        parser.isSet(QStringLiteral("unsigned")) ? CFixedPoint::SIGN_UNSIGNED : CFixedPoint::SIGN_SIGNED;
+    request.format.round =
+        parseChoice<CFixedPoint::ROUND>(parser, QStringLiteral("round"), "floor", "nearest");
+    request.format.wrap =
+        parseChoice<CFixedPoint::WRAP>(parser, QStringLiteral("overflow"), "saturate", "wrap");
+    request.warn = parser.isSet(QStringLiteral("warn"));
+    request.maxValue = parseChoice<CFixedPoint::MAXVALUE>(parser, QStringLiteral("max"), "2n-1", "2n");
+    return request;
+}
+
+void printFormat(const Fixed::fix& record)
+{
+    std::printf("format:     %s %d bits, exp %d\n", record.sign != 0 ? "signed" : "unsigned",
+                record.bits, record.exp);
+}
+
+void printRawPattern(CFixedPoint& value)
+{
+    const Fixed::fix record = value.GetValue();
+    if (record.bits <= 64) {
+        std::printf("raw:        0x%llX\n", static_cast<unsigned long long>(value.GetValueAs_uint64_t()));
+        return;
+    }
+    std::printf("words:     ");
+    const int words = record.bits > 160 ? 5 : (record.bits + 31) / 32;
+    for (int i = words - 1; i >= 0; --i)
+        std::printf(" 0x%08X", static_cast<unsigned int>(record.val[i]));
+    std::printf("  (val[%d] .. val[0])\n", words - 1);
+}
+
+}  // namespace
+
+int main(int argc, char** argv)
+{
+    QCoreApplication application(argc, argv);
+    QCommandLineParser parser;
+    const Request request = parseRequest(parser, QCoreApplication::arguments());
+    const Format& format = request.format;
+    CFixedPoint value(request.value, format.intBits, format.fracBits, format.sign, format.round,
+                      format.wrap, request.warn, request.maxValue);
+    const double quantised = static_cast<double>(value);
+    std::printf("input:      %.17g\n", request.value);
+    printFormat(value.GetValue());
+    std::printf("quantised:  %.17g\n", quantised);
+    printRawPattern(value);
+    std::printf("error:      %.17g\n", quantised - request.value);
+    return 0;
+}
