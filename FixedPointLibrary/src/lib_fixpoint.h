@@ -41,6 +41,18 @@ constexpr int recordWordCount(int bits)
     return bits < 1 ? 0 : (bits > maxBits ? maxWords : wordCount(bits));
 }
 
+/// Whether a width names a mantissa a record can hold (1..160 bits).
+constexpr bool isMantissaWidth(int64_t bits) { return bits >= 1 && bits <= maxBits; }
+
+/// A shift between two formats (a difference of widths and exponents,
+/// computed in 64 bits) clamped to +-1024 bits. With at most 160 bits on
+/// either side every bit of a longer shift is sign extension or lost, so the
+/// clamp changes no result and keeps later sums clear of int overflow.
+constexpr int clampedShift(int64_t shift)
+{
+    return static_cast<int>(shift < -1024 ? -1024 : (shift > 1024 ? 1024 : shift));
+}
+
 /// 32-bit two's complement addition without signed overflow.
 constexpr int32_t wrappingAdd(int32_t a, int32_t b)
 {
