@@ -142,9 +142,10 @@ Saturation checkRange(const SourceBits& src, int lost, int sign)
     for (int i = 0; i < wholeWords; ++i) {
         if (src.word(i) != expected)
             return failure;
-        // Beyond the source every word reads as zero: settled either way.
+        // Beyond the source every word reads as zero, and zeros were
+        // expected: the rest passes too.
         if (i >= src.words())
-            return expected == 0u ? Saturation::None : failure;
+            return Saturation::None;
     }
     const int rest = tested % 32;
     if (rest > 0 && ((src.word(wholeWords) ^ expected) & highmask[rest]) != 0u)
