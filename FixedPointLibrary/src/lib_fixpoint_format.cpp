@@ -54,7 +54,6 @@ public:
     int bits() const { return m_bits; }
     int words() const { return m_words; }
     bool isNegative() const { return m_extension != 0u; }
-    bool topBit() const { return (word(0) & 0x80000000u) != 0u; }
 
     // Source word i places below the top.
     uint32_t word(int i) const
