@@ -38,7 +38,9 @@ fixed double2fixed(double value, int intbits, int fracbits, int sign, int round,
     if (isInvalidFlag(wrap))
         FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
 
-    fixed result;
+    // Words above the width carry nothing; they are zeroed so that records
+    // built here compare and copy deterministically.
+    fixed result = {};
     result.sign = sign;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
