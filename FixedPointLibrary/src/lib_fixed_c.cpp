@@ -27,6 +27,24 @@ bool sameFormat(const fixed& a, const fixed& b)
     return sameWidthAndExponent(a, b) && a.sign == b.sign;
 }
 
+// A carry or borrow chain over the words of a's width, in a's format: the
+// shared body of addition and subtraction. A format mismatch is reported once
+// and the raw words are combined anyway. val[0] is always combined, even for
+// a width below 1, and no word beyond val[4] is touched whatever a.bits says.
+// The carry or borrow out of the top word is dropped: the result wraps at the
+// format's width.
+using WordChain = int (*)(int32_t*, const int32_t*, const int32_t*, int);
+
+fixed combineWordwise(fixed a, const fixed& b, const char* function, const char* mismatch,
+                      WordChain chain)
+{
+    if (!sameFormat(a, b))
+        FIXED_REPORT(function, mismatch);
+    const int nw = recordWordCount(a.bits);
+    chain(a.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return a;
+}
+
 }  // namespace
 
 fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
@@ -74,22 +92,12 @@ fixed fixedshift(fixed f, int n)
 
 fixed fixedadd(fixed a, fixed b)
 {
-    if (!sameFormat(a, b))
-        FIXED_REPORT(signature::fixedadd, message::fixedaddFormat);
-    // val[0] is always summed, even for a width below 1; no word beyond
-    // val[4] is touched whatever a.bits says.
-    const int nw = recordWordCount(a.bits);
-    fixadd(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    return combineWordwise(a, b, signature::fixedadd, message::fixedaddFormat, fixadd);
 }
 
 fixed fixedsub(fixed a, fixed b)
 {
-    if (!sameFormat(a, b))
-        FIXED_REPORT(signature::fixedsub, message::fixedsubFormat);
-    const int nw = recordWordCount(a.bits);
-    fixsub(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    return combineWordwise(a, b, signature::fixedsub, message::fixedsubFormat, fixsub);
 }
 
 }  // namespace Fixed
