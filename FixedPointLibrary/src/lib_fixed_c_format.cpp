@@ -13,13 +13,6 @@
 namespace Fixed {
 namespace {
 
-// Flags are valid as 0 or 1 only; the comparison is unsigned so that
-// negative values are invalid too.
-bool isInvalidFlag(int flag)
-{
-    return static_cast<uint32_t>(flag) > 1u;
-}
-
 // What a case needs to know about one conversion, derived once.
 struct Conversion {
     const int32_t* srcTop;
