@@ -236,19 +236,6 @@ TEST(FixedFormat, WorkedExamples)
     EXPECT_EQ(model::hexWords(two.val, 2), "00000001 00000000 ");
 }
 
-TEST(FixedFormat, PadBitsOfTheSourceAreIgnored)
-{
-    // A 70-bit record stored raw may carry bits below its mantissa; they must
-    // not reach the new low bits nor the range check.
-    const Fixed::fixed raw{70, 0, 0, {0x0000FFFF, 0, 0x40000000, 0, 0}};
-    const Fixed::fixed copy = Fixed::fixedformat(raw, 70, 0, 0, 0, 0);
-    EXPECT_EQ(model::hexWords(copy.val, 3), "40000000 00000000 00000000 ");
-    const Fixed::fixed wider = Fixed::fixedformat(raw, 70, 10, 0, 0, 0);
-    EXPECT_EQ(model::hexWords(wider.val, 3), "40000000 00000000 00000000 ");
-    const Fixed::fixed narrower = Fixed::fixedformat(raw, 69, 26, 0, 0, 0);
-    EXPECT_EQ(model::hexWords(narrower.val, 3), "80000000 00000000 00000000 ");
-}
-
 class FixedFormatReports : public ReportingTest {};
 
 const char* const fixedformatSignature =
