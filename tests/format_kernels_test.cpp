@@ -236,6 +236,33 @@ TEST(FixedFormat, WorkedExamples)
     EXPECT_EQ(model::hexWords(two.val, 2), "00000001 00000000 ");
 }
 
+TEST(FixFormat, ExtremeExponentsSaturateOrVanish)
+{
+    constexpr int most = 2147483647;
+    constexpr int least = -2147483647 - 1;
+    struct Case {
+        uint32_t source;
+        int srcexp, dstexp, round;
+        uint32_t expected, flag;
+    };
+    const Case cases[] = {
+        {0x01000000, most, least, 0, 0x7F000000, 1},   // far too large
+        {0xFF000000, most, least, 0, 0x80000000, 1},   // far too small
+        {0x01000000, least, most, 1, 0x00000000, 0},   // far below the last place
+        {0xFF000000, least, most, 0, 0xFF000000, 0},   // floor of a tiny negative: -1
+        {0xFF000000, least, most, 1, 0x00000000, 0},   // rounded: 0
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.srcexp) + " -> " + std::to_string(c.dstexp));
+        const int32_t source = static_cast<int32_t>(c.source);
+        int32_t frame[3] = {sentinel, 0, sentinel};
+        EXPECT_EQ(Fixed::fixformat(&source, frame + 1, 8, 8, c.srcexp, c.dstexp, 1, c.round, 0), c.flag);
+        EXPECT_EQ(static_cast<uint32_t>(frame[1]), c.expected);
+        EXPECT_EQ(frame[0], sentinel);
+        EXPECT_EQ(frame[2], sentinel);
+    }
+}
+
 class FixedFormatReports : public ReportingTest {};
 
 const char* const fixedformatSignature =
