@@ -189,12 +189,13 @@ TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
         const uint32_t flag = Fixed::fixformat(source.get(), frame.data() + 1, c.sourceBits, bits,
                                                c.sourceExp, -c.fracbits, c.sign, c.round, c.wrap);
 
+        // All five result words are compared: those above the ones in use
+        // stay zero. fixformat must give fixedformat's words exactly.
         const std::string wanted = model::hexWords(want.val, 5);
         if (model::hexWords(result.val, 5) != wanted || flag != (expected.saturated ? 1u : 0u) ||
-            model::hexWords(frame.data() + 1, nwt) != model::hexWords(want.val, nwt) ||
+            model::hexWords(frame.data() + 1, nwt) != model::hexWords(result.val, nwt) ||
             frame.front() != sentinel || frame.back() != sentinel || result.bits != bits ||
             result.exp != -c.fracbits || result.sign != c.sign) {
-            // Words above the ones in use are compared too: they stay zero.
             ADD_FAILURE() << describe(c) << "\n  model       " << wanted << " saturated "
                           << expected.saturated << "\n  fixedformat " << model::hexWords(result.val, 5)
                           << "\n  fixformat   " << model::hexWords(frame.data(), nwt + 2) << " flag "

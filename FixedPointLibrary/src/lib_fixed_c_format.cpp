@@ -74,8 +74,6 @@ int rowFor(int gained)
     return gained > 0 ? 0 : (gained == 0 ? 1 : 2);
 }
 
-
-
 }  // namespace
 
 fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
