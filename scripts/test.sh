@@ -1,9 +1,12 @@
 #!/usr/bin/env bash
 # Builds everything warning-free (-Werror) and runs the whole test suite, then
-# runs it again under AddressSanitizer and UndefinedBehaviorSanitizer.
+# runs it again under AddressSanitizer and UndefinedBehaviorSanitizer, runs the
+# concurrency test under ThreadSanitizer, the suite under Valgrind memcheck
+# (Release build) and every fuzz target for a short smoke run (FUZZ_SECONDS,
+# default 20 s each; scripts/fuzz.sh runs them longer by hand).
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh
+scripts/install-deps.sh clang libclang-rt-14-dev valgrind
 jobs=$(nproc)
 
 run_suite() {
@@ -16,5 +19,34 @@ run_suite() {
     ctest --test-dir "$dir" --output-on-failure -j"$jobs"
 }
 
-run_suite build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
-run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DFIXEDPOINT_SANITIZE=address,undefined
+stage() {
+    local start=$SECONDS
+    "$@"
+    echo "== ${*:1:2}: $((SECONDS - start)) s"
+}
+
+stage run_suite build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
+stage run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DFIXEDPOINT_SANITIZE=address,undefined
+
+tsan_stage() {
+    echo "== build-tsan: concurrency test under ThreadSanitizer"
+    cmake -S . -B build-tsan -DFIXEDPOINT_WERROR=ON -DCMAKE_BUILD_TYPE=RelWithDebInfo \
+        -DFIXEDPOINT_SANITIZE=thread -DFIXEDPOINT_BUILD_TOOLS=OFF >/dev/null
+    cmake --build build-tsan -j"$jobs" --target fixedpoint_concurrency_tests
+    TSAN_OPTIONS="halt_on_error=1 second_deadlock_stack=1" \
+        ctest --test-dir build-tsan --output-on-failure -R '^Concurrency$'
+}
+
+valgrind_stage() {
+    echo "== build-valgrind: test suite under Valgrind memcheck"
+    cmake -S . -B build-valgrind -DFIXEDPOINT_WERROR=ON -DCMAKE_BUILD_TYPE=Release \
+        -DFIXEDPOINT_BUILD_TOOLS=OFF >/dev/null
+    cmake --build build-valgrind -j"$jobs" --target fixedpoint_tests
+    valgrind --quiet --error-exitcode=1 --leak-check=full --errors-for-leak-kinds=definite,indirect \
+        build-valgrind/tests/fixedpoint_tests --gtest_brief=1
+}
+
+stage tsan_stage
+stage valgrind_stage
+echo "== fuzz smoke"
+stage scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
