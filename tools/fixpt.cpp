@@ -1,10 +1,11 @@
 // fixpt: quantise a value into a fixed-point format from the command line.
 //
 //   fixpt VALUE INTBITS FRACBITS [--unsigned] [--round floor|nearest]
-//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n]
+//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n] [--radix 2|4|8|16]
 //
 // Prints the quantised value, the raw pattern (or the mantissa words above
-// 64 bits) and the quantisation error. Diagnostics reach stderr through the
+// 64 bits), the value as text in a power-of-two radix (hexadecimal unless
+// --radix says otherwise) and the quantisation error. Diagnostics reach stderr through the
 // host's report function.
 #include <QCoreApplication>
 #include <QCommandLineParser>
@@ -13,8 +14,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "FixedPoint.h"
+#include "lib_fixpoint.h"
 
 namespace {
 
@@ -31,6 +34,7 @@ struct Request {
     Format format;
     bool warn;
     CFixedPoint::MAXVALUE maxValue;
+    int digitBits;  // bits per digit of the printed text: 1 to 4
 };
 
 [[noreturn]] void usageError(const QCommandLineParser& parser, const QString& message)
@@ -42,7 +46,7 @@ struct Request {
 
 // Options that take a value; everything else that does not start with '-'
 // followed by a letter is a positional argument (negative numbers included).
-const char* const optionsWithValue[] = {"--round", "--overflow", "--max"};
+const char* const optionsWithValue[] = {"--round", "--overflow", "--max", "--radix"};
 
 bool takesValue(const QString& argument)
 {
@@ -105,6 +109,18 @@ Enum parseChoice(const QCommandLineParser& parser, const QString& option, const 
                            .arg(option, QLatin1String(first), QLatin1String(second), text));
 }
 
+// Bits per digit of a power-of-two radix.
+int parseRadix(const QCommandLineParser& parser)
+{
+    const QString text = parser.value(QStringLiteral("radix"));
+    const int radixes[] = {2, 4, 8, 16};
+    for (int digitBits = 1; digitBits <= 4; ++digitBits) {
+        if (text == QString::number(radixes[digitBits - 1]))
+            return digitBits;
+    }
+    usageError(parser, QStringLiteral("--radix takes 2, 4, 8 or 16, not %1").arg(text));
+}
+
 Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
 {
     parser.setApplicationDescription(QStringLiteral("Quantise VALUE into a fixed-point format."));
@@ -124,6 +140,9 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
     parser.addOption({QStringLiteral("max"),
                       QStringLiteral("Largest integer part accepted by --warn: 2n-1 or 2n."),
                       QStringLiteral("bound"), QStringLiteral("2n-1")});
+    parser.addOption({QStringLiteral("radix"),
+                      QStringLiteral("Radix of the printed text: 2, 4, 8 or 16 (default 16)."),
+                      QStringLiteral("radix"), QStringLiteral("16")});
     if (!parser.parse(separatePositionals(arguments)))
         usageError(parser, parser.errorText());
     if (parser.isSet(QStringLiteral("help"))) {
@@ -149,6 +168,7 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
         parseChoice<CFixedPoint::WRAP>(parser, QStringLiteral("overflow"), "saturate", "wrap");
     request.warn = parser.isSet(QStringLiteral("warn"));
     request.maxValue = parseChoice<CFixedPoint::MAXVALUE>(parser, QStringLiteral("max"), "2n-1", "2n");
+    request.digitBits = parseRadix(parser);
     return request;
 }
 
@@ -172,6 +192,20 @@ void printRawPattern(CFixedPoint& value)
     std::printf("  (val[%d] .. val[0])\n", words - 1);
 }
 
+// The mantissa as positional text with a radix point (or in scientific form),
+// sized by a length query first; the terminator is ours to add.
+void printText(const Fixed::fix& record, int digitBits)
+{
+    const int length = Fixed::fix2str2(record.val, record.bits, record.exp, nullptr, digitBits, 1, 0, 0, 1);
+    std::vector<char> text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
+    if (length > 0)
+        Fixed::fix2str2(record.val, record.bits, record.exp, &text[static_cast<size_t>(length) - 1],
+                        digitBits, 1, 0, 0, 0);
+    char label[16];
+    std::snprintf(label, sizeof label, "radix %d:", 1 << digitBits);
+    std::printf("%-12s%s\n", label, text.data());
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -187,6 +221,7 @@ int main(int argc, char** argv)
     printFormat(value.GetValue());
     std::printf("quantised:  %.17g\n", quantised);
     printRawPattern(value);
+    printText(value.GetValue(), request.digitBits);
     std::printf("error:      %.17g\n", quantised - request.value);
     return 0;
 }
