@@ -164,7 +164,7 @@ int writeEmptyMantissa(Routine routine, int exp, BackwardWriter& writer)
 
 struct Layout {
     bool scientific;
-    int64_t shownExp;  // the exponent written after "*2^" in scientific form
+    int64_t shownExp;  // after "*2^" in scientific form; 64 bits wide, so it never wraps
     int fractionBits;
     int integerBits;
 };
