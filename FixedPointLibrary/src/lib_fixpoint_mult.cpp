@@ -65,6 +65,7 @@ bool isNegative(const int32_t* words, int n, int isSigned)
 void fixmult(int32_t* out, const int32_t* x, const int32_t* y, int nx, int ny, int nout, int sx,
              int sy)
 {
+    // An empty factor makes an empty product: out stays as the caller zeroed it.
     if (nx < 1 || ny < 1)
         return;
     const int total = nx + ny;
