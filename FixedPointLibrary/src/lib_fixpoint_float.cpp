@@ -26,15 +26,30 @@ uint32_t truncateToWord(double value)
     return static_cast<uint32_t>(value);
 }
 
+// floor(value), bit for bit (the sign of a zero included), without a library
+// call for the magnitudes the conversions meet most: below 2^31 the
+// truncation to a 32-bit integer is one instruction on both x86-64 and ARM
+// and is exact, and stepping down by one for a negative non-integer is exact
+// too. Larger, infinite and NaN values take the library's floor.
+inline double floorExact(double value)
+{
+    if (!(value > -2147483648.0 && value < 2147483648.0))
+        return std::floor(value);
+    const double truncated = static_cast<double>(static_cast<int32_t>(value));
+    if (truncated == value)
+        return value;
+    return truncated > value ? truncated - 1.0 : truncated;
+}
+
 // Rounding stage: value to an integer-valued double x.
 double roundToInteger(double value, int round)
 {
     if (round == 0)
-        return std::floor(value);
+        return floorExact(value);
     if (value >= -0.5 && value < 0.5)
         return 0.0;
-    const double whole = std::floor(value);
-    const double increment = std::floor(2.0 * (value - whole));
+    const double whole = floorExact(value);
+    const double increment = floorExact(2.0 * (value - whole));
     if (increment > 1.0 || increment < 0.0) {
         FIXED_REPORT(signature::float2fix, message::float2fixRounding);
         return value;
@@ -105,19 +120,62 @@ int saturateIfOutOfRange(double x, int bits, int32_t* words, int nw, int r, int 
 // nearest to zero from below, computed in doubles.
 double wrapIntoRange(double x, int bits)
 {
-    const double q = std::floor(0.5 + x * powerOfTwo(-bits));
+    const double q = floorExact(0.5 + x * powerOfTwo(-bits));
     return x - q * powerOfTwo(bits);
+}
+
+// Split stage for an integral x below 2^63 in magnitude: its 64-bit two's
+// complement pattern, shifted into place, gives the same words as the
+// double walk below (which is exact for every integral x). Returns false,
+// writing nothing, when x is outside that range or does not fit the width,
+// so that the walk and its check handle it.
+bool splitSmallInteger(double x, int32_t* words, int nw, int r)
+{
+    if (!(x >= -9223372036854775808.0 && x < 9223372036854775808.0))
+        return false;
+    const int64_t m = static_cast<int64_t>(x);
+    const int width = r != 0 ? 32 * (nw - 1) + r : 32 * nw;
+    // Bits above the width must be a sign extension (0 or -1), as the walk
+    // requires; a width of 64 and more always holds the whole pattern.
+    if (width < 64) {
+        const int64_t above = m < 0 ? ~(~m >> width) : m >> width;
+        if (above != 0 && above != -1)
+            return false;
+    }
+    uint64_t pattern = static_cast<uint64_t>(m);
+    const uint32_t fill = m < 0 ? 0xFFFFFFFFu : 0u;
+    int consumed = 0;  // bits of the pattern already written
+    int k = 0;
+    if (r != 0) {
+        words[0] = asWord(static_cast<uint32_t>(pattern << (64 - r) >> 32));
+        consumed = r;
+        k = 1;
+    }
+    for (; k < nw; ++k, consumed += 32) {
+        if (consumed >= 64) {
+            words[k] = asWord(fill);
+            continue;
+        }
+        uint64_t part = pattern >> consumed;
+        // Bits shifted in from beyond the pattern's top take the sign.
+        if (consumed > 32 && fill != 0u)
+            part |= ~uint64_t{0} << (64 - consumed);
+        words[k] = asWord(static_cast<uint32_t>(part));
+    }
+    return true;
 }
 
 // Split stage: the integer x into nw words, least significant first. Floor
 // produces two's complement for negative x without a negation.
 void splitIntoWords(double x, int32_t* words, int nw, int r)
 {
+    if (splitSmallInteger(x, words, nw, r))
+        return;
     int k = 0;
     int left = nw;
     if (r != 0) {
         const double t = x * powerOfTwo(-r);
-        const double whole = std::floor(t);
+        const double whole = floorExact(t);
         const uint32_t low = truncateToWord((t - whole) * powerOfTwo(r));
         words[0] = asWord(low << (32 - r));
         x = whole;
@@ -132,12 +190,61 @@ void splitIntoWords(double x, int32_t* words, int nw, int r)
             break;
         }
         const double t = x * twoToMinus32;
-        const double whole = std::floor(t);
+        const double whole = floorExact(t);
         words[k] = asWord(truncateToWord((t - whole) * twoTo32));
         x = whole;
     }
     if (x != 0.0 && x != -1.0)
         FIXED_REPORT(signature::float2fix, message::float2fixSplit);
+}
+
+// The whole conversion for widths up to 64 bits and |value| below 2^51, the
+// common case, in 64-bit integers. For such values every double step of the
+// general path is exact: the floor, the fraction that decides rounding, the
+// wrap-around (which then keeps exactly the low bits) and the split. Doing
+// the same steps on integers gives the same words without the double walk.
+constexpr double integerPathLimit = 2251799813685248.0;  // 2^51
+
+int quantiseWithin64Bits(double value, int bits, int32_t* words, int sign, int round, int wrap)
+{
+    int64_t x = static_cast<int64_t>(value);  // toward zero, exact in range
+    if (static_cast<double>(x) > value)
+        --x;
+    if (round != 0 && value - static_cast<double>(x) >= 0.5)
+        ++x;
+    const int nw = bits > 32 ? 2 : 1;
+    const int r = bits % 32;
+    if (wrap == 0) {
+        // |x| <= 2^51, so limits of more than 60 bits decide nothing more.
+        const int limitBits = bits < 60 ? bits : 60;
+        const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
+        const int64_t highest = sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1
+                                          : (int64_t{1} << limitBits) - 1;
+        if (x < lowest) {
+            if (sign != 0)
+                writeSignedMinimum(words, nw);
+            else
+                writeZero(words, nw);
+            return 1;
+        }
+        if (x > highest) {
+            if (sign != 0)
+                writeSignedMaximum(words, nw, r);
+            else
+                writeUnsignedMaximum(words, nw, r);
+            return 1;
+        }
+    }
+    // Left-aligned in nw words; bits above the width (wrap-around) fall off.
+    const uint64_t pattern = static_cast<uint64_t>(x);
+    if (nw == 1) {
+        words[0] = asWord(static_cast<uint32_t>(pattern << (32 - bits)));
+    } else {
+        const uint64_t aligned = pattern << (64 - bits);
+        words[0] = asWord(static_cast<uint32_t>(aligned));
+        words[1] = asWord(static_cast<uint32_t>(aligned >> 32));
+    }
+    return 0;
 }
 
 }  // namespace
@@ -176,6 +283,8 @@ int float2fix(double value, int bits, int32_t* words, int sign, int round, int w
     // A width below 1 has no words in use; nothing is written for it.
     if (bits < 1)
         return 0;
+    if (bits <= 64 && value > -integerPathLimit && value < integerPathLimit)
+        return quantiseWithin64Bits(value, bits, words, sign, round, wrap);
     const int r = bits % 32;
     const int nw = wordCount(bits);
     double x = roundToInteger(value, round);
