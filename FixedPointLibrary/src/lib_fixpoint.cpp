@@ -1,7 +1,6 @@
 // Bit tables and the power-of-two helper shared by the word routines.
 #include "lib_fixpoint.h"
 
-#include <cstring>
 
 namespace Fixed {
 
@@ -27,26 +26,5 @@ const uint32_t highbit[32] = {
     0x00000008u, 0x00000004u, 0x00000002u, 0x00000001u};
 
 const uint32_t nibblecount[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
-
-double powerOfTwo(int n)
-{
-    // The IEEE bits of 2^n are built directly: a biased exponent for normal
-    // results, a single mantissa bit for subnormal ones, and the overflow and
-    // underflow ends that a correctly rounded pow(2.0, n) gives. This keeps a
-    // library call off every conversion path while producing the same double.
-    constexpr int minNormal = -1022;
-    constexpr int maxNormal = 1023;
-    constexpr int minSubnormal = -1074;
-    uint64_t pattern = 0;
-    if (n > maxNormal)
-        pattern = uint64_t{0x7FF} << 52;  // infinity
-    else if (n >= minNormal)
-        pattern = static_cast<uint64_t>(n + 1023) << 52;
-    else if (n >= minSubnormal)
-        pattern = uint64_t{1} << (n - minSubnormal);
-    double result;
-    std::memcpy(&result, &pattern, sizeof result);
-    return result;
-}
 
 }  // namespace Fixed

@@ -7,6 +7,7 @@
 #define FIXEDPOINT_LIB_FIXPOINT_H
 
 #include <cstdint>
+#include <cstring>
 
 namespace Fixed {
 
@@ -60,8 +61,25 @@ constexpr uint32_t asUnsigned(int32_t word) { return static_cast<uint32_t>(word)
 constexpr int32_t asWord(uint32_t bits) { return static_cast<int32_t>(bits); }
 
 /// 2^n as a double: exact for every integer n, overflowing to infinity and
-/// underflowing to zero exactly as pow(2.0, n) does.
-double powerOfTwo(int n);
+/// underflowing to zero exactly as pow(2.0, n) does. The IEEE bits are built
+/// directly (a biased exponent for normal results, a single mantissa bit for
+/// subnormal ones), which keeps a library call off every conversion path.
+inline double powerOfTwo(int n)
+{
+    constexpr int maxNormal = 1023;
+    constexpr int minNormal = -1022;
+    constexpr int minSubnormal = -1074;
+    uint64_t pattern = 0;  // zero below the subnormals
+    if (n > maxNormal)
+        pattern = uint64_t{0x7FF} << 52;  // infinity
+    else if (n >= minNormal)
+        pattern = static_cast<uint64_t>(n + maxNormal) << 52;
+    else if (n >= minSubnormal)
+        pattern = uint64_t{1} << (n - minSubnormal);
+    double result;
+    std::memcpy(&result, &pattern, sizeof result);
+    return result;
+}
 
 // ---- Doubles in and out ---------------------------------------------------
 

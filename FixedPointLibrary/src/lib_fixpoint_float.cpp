@@ -26,16 +26,20 @@ uint32_t truncateToWord(double value)
     return static_cast<uint32_t>(value);
 }
 
-// floor(value), bit for bit (the sign of a zero included), without a library
-// call for the magnitudes the conversions meet most: below 2^31 the
-// truncation to a 32-bit integer is one instruction on both x86-64 and ARM
-// and is exact, and stepping down by one for a negative non-integer is exact
-// too. Larger, infinite and NaN values take the library's floor.
+// floor(value) without a library call, equal to std::floor for every value
+// the conversions compute with (the sign of a zero included). From 2^52 up
+// every double is an integer, and infinities are their own floor; a NaN stays
+// a NaN and never reaches a word. Below, truncation to an integer is exact
+// (one instruction for 32 bits on x86-64 and ARM alike) and stepping down by
+// one for a negative non-integer is exact too.
 inline double floorExact(double value)
 {
-    if (!(value > -2147483648.0 && value < 2147483648.0))
-        return std::floor(value);
-    const double truncated = static_cast<double>(static_cast<int32_t>(value));
+    constexpr double integralFrom = 4503599627370496.0;  // 2^52
+    if (!(value > -integralFrom && value < integralFrom))
+        return value;
+    const double truncated = value > -2147483648.0 && value < 2147483648.0
+                                 ? static_cast<double>(static_cast<int32_t>(value))
+                                 : static_cast<double>(static_cast<int64_t>(value));
     if (truncated == value)
         return value;
     return truncated > value ? truncated - 1.0 : truncated;
