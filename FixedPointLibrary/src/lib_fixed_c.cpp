@@ -64,10 +64,15 @@ double fixed2double(fixed f)
     return scale * mantissa;
 }
 
+// The record operations below build their result in a named local rather
+// than returning a modified parameter: the local is constructed in the
+// caller's result slot, while a parameter would be copied out with wide loads
+// right after narrow word stores, which the processor cannot forward.
 fixed fixedshift(fixed f, int n)
 {
-    f.exp = wrappingAdd(f.exp, n);
-    return f;
+    fixed result = f;
+    result.exp = wrappingAdd(f.exp, n);
+    return result;
 }
 
 fixed fixedadd(fixed a, fixed b)
@@ -77,8 +82,9 @@ fixed fixedadd(fixed a, fixed b)
     // val[0] is always summed, even for a width below 1; no word beyond
     // val[4] is touched whatever a.bits says.
     const int nw = recordWordCount(a.bits);
-    fixadd(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    fixed result = a;
+    fixadd(result.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return result;
 }
 
 fixed fixedsub(fixed a, fixed b)
@@ -86,8 +92,9 @@ fixed fixedsub(fixed a, fixed b)
     if (!sameFormat(a, b))
         FIXED_REPORT(signature::fixedsub, message::fixedsubFormat);
     const int nw = recordWordCount(a.bits);
-    fixsub(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    fixed result = a;
+    fixsub(result.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return result;
 }
 
 }  // namespace Fixed
