@@ -27,9 +27,9 @@ bool sameFormat(const fixed& a, const fixed& b)
     return sameWidthAndExponent(a, b) && a.sign == b.sign;
 }
 
-}  // namespace
-
-fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+// The reports of double2fixed, out of line: composing a text needs a large
+// frame that the conversion itself should not set up on every call.
+[[gnu::noinline]] void reportInvalidDouble2fixedFlags(int sign, int round, int wrap)
 {
     if (isInvalidFlag(sign))
         FIXED_REPORT(signature::double2fixed, message::double2fixedSign);
@@ -37,13 +37,26 @@ fixed double2fixed(double value, int intbits, int fracbits, int sign, int round,
         FIXED_REPORT(signature::double2fixed, message::double2fixedRound);
     if (isInvalidFlag(wrap))
         FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
+}
+
+[[gnu::noinline]] void reportDouble2fixedWidth()
+{
+    FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
+}
+
+}  // namespace
+
+fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+{
+    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap))
+        reportInvalidDouble2fixedFlags(sign, round, wrap);
 
     fixed result;
     result.sign = sign;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
     if (result.bits > maxBits) {
-        FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
+        reportDouble2fixedWidth();
         // The five words cannot hold the mantissa: they are cleared instead,
         // so the record reads as zero and nothing is written beyond val[4].
         for (int32_t& word : result.val)

@@ -282,13 +282,13 @@ double fix2float(const int32_t* words, int bits, int sign)
     return sum + top * scale;
 }
 
-int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+namespace {
+
+// The double walk for wide values and widths; kept out of line so that the
+// common integer path runs without its register and stack set-up.
+[[gnu::noinline]] int quantiseInDoubles(double value, int bits, int32_t* words, int sign, int round,
+                                        int wrap)
 {
-    // A width below 1 has no words in use; nothing is written for it.
-    if (bits < 1)
-        return 0;
-    if (bits <= 64 && value > -integerPathLimit && value < integerPathLimit)
-        return quantiseWithin64Bits(value, bits, words, sign, round, wrap);
     const int r = bits % 32;
     const int nw = wordCount(bits);
     double x = roundToInteger(value, round);
@@ -298,6 +298,18 @@ int float2fix(double value, int bits, int32_t* words, int sign, int round, int w
         return 1;
     splitIntoWords(x, words, nw, r);
     return 0;
+}
+
+}  // namespace
+
+int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+{
+    // A width below 1 has no words in use; nothing is written for it.
+    if (bits < 1)
+        return 0;
+    if (bits <= 64 && value > -integerPathLimit && value < integerPathLimit)
+        return quantiseWithin64Bits(value, bits, words, sign, round, wrap);
+    return quantiseInDoubles(value, bits, words, sign, round, wrap);
 }
 
 }  // namespace Fixed
