@@ -88,10 +88,51 @@ inline double powerOfTwo(int n)
 /// rounded in sequence above. Widths outside 1..160 give 0.0.
 double fix2float(const int32_t* words, int bits, int sign);
 
+/// float2fix for every width and value, walking the words in doubles.
+int float2fixInDoubles(double value, int bits, int32_t* words, int sign, int round, int wrap);
+
 /// Quantises value (counted in LSB units) into nw = ceil(bits / 32) words:
 /// floor or nearest (ties up), then saturation or wrap-around. Returns 1 when
 /// a saturation pattern was written. Writes nothing for widths below 1.
-int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap);
+///
+/// Widths up to 64 bits with |value| below 2^51, the common case, are done
+/// here in 64-bit integers, inline in the callers: for such values every
+/// double step of the general walk is exact (the floor, the fraction that
+/// decides rounding, the wrap-around, which then keeps exactly the low bits,
+/// and the split), so the integer steps give the same words.
+inline int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+{
+    constexpr double integerPathLimit = 2251799813685248.0;  // 2^51
+    if (bits < 1 || bits > 64 || !(value > -integerPathLimit && value < integerPathLimit))
+        return float2fixInDoubles(value, bits, words, sign, round, wrap);
+    int64_t x = static_cast<int64_t>(value);  // toward zero, exact in range
+    if (static_cast<double>(x) > value)
+        --x;
+    // value - floor(value) is exact here; whole + 0.5 is too.
+    if (round != 0 && value >= static_cast<double>(x) + 0.5)
+        ++x;
+    int saturated = 0;
+    if (wrap == 0) {
+        // The saturation patterns are the left-aligned bounds. |x| <= 2^51,
+        // so bounds of more than 60 bits decide nothing more.
+        const int limitBits = bits < 60 ? bits : 60;
+        const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
+        const int64_t highest = sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1
+                                          : (int64_t{1} << limitBits) - 1;
+        saturated = x < lowest || x > highest ? 1 : 0;
+        x = x < lowest ? lowest : (x > highest ? highest : x);
+    }
+    // Left-aligned; under wrap-around the bits above the width fall off.
+    const uint64_t pattern = static_cast<uint64_t>(x);
+    if (bits <= 32) {
+        words[0] = asWord(static_cast<uint32_t>(pattern << (32 - bits)));
+    } else {
+        const uint64_t aligned = pattern << (64 - bits);
+        words[0] = asWord(static_cast<uint32_t>(aligned));
+        words[1] = asWord(static_cast<uint32_t>(aligned >> 32));
+    }
+    return saturated;
+}
 
 // ---- Format conversion kernels (destination words cleared on entry) -----
 

@@ -202,55 +202,6 @@ void splitIntoWords(double x, int32_t* words, int nw, int r)
         FIXED_REPORT(signature::float2fix, message::float2fixSplit);
 }
 
-// The whole conversion for widths up to 64 bits and |value| below 2^51, the
-// common case, in 64-bit integers. For such values every double step of the
-// general path is exact: the floor, the fraction that decides rounding, the
-// wrap-around (which then keeps exactly the low bits) and the split. Doing
-// the same steps on integers gives the same words without the double walk.
-constexpr double integerPathLimit = 2251799813685248.0;  // 2^51
-
-int quantiseWithin64Bits(double value, int bits, int32_t* words, int sign, int round, int wrap)
-{
-    int64_t x = static_cast<int64_t>(value);  // toward zero, exact in range
-    if (static_cast<double>(x) > value)
-        --x;
-    if (round != 0 && value - static_cast<double>(x) >= 0.5)
-        ++x;
-    const int nw = bits > 32 ? 2 : 1;
-    const int r = bits % 32;
-    if (wrap == 0) {
-        // |x| <= 2^51, so limits of more than 60 bits decide nothing more.
-        const int limitBits = bits < 60 ? bits : 60;
-        const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
-        const int64_t highest = sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1
-                                          : (int64_t{1} << limitBits) - 1;
-        if (x < lowest) {
-            if (sign != 0)
-                writeSignedMinimum(words, nw);
-            else
-                writeZero(words, nw);
-            return 1;
-        }
-        if (x > highest) {
-            if (sign != 0)
-                writeSignedMaximum(words, nw, r);
-            else
-                writeUnsignedMaximum(words, nw, r);
-            return 1;
-        }
-    }
-    // Left-aligned in nw words; bits above the width (wrap-around) fall off.
-    const uint64_t pattern = static_cast<uint64_t>(x);
-    if (nw == 1) {
-        words[0] = asWord(static_cast<uint32_t>(pattern << (32 - bits)));
-    } else {
-        const uint64_t aligned = pattern << (64 - bits);
-        words[0] = asWord(static_cast<uint32_t>(aligned));
-        words[1] = asWord(static_cast<uint32_t>(aligned >> 32));
-    }
-    return 0;
-}
-
 }  // namespace
 
 double fix2float(const int32_t* words, int bits, int sign)
@@ -282,13 +233,11 @@ double fix2float(const int32_t* words, int bits, int sign)
     return sum + top * scale;
 }
 
-namespace {
-
-// The double walk for wide values and widths; kept out of line so that the
-// common integer path runs without its register and stack set-up.
-[[gnu::noinline]] int quantiseInDoubles(double value, int bits, int32_t* words, int sign, int round,
-                                        int wrap)
+int float2fixInDoubles(double value, int bits, int32_t* words, int sign, int round, int wrap)
 {
+    // A width below 1 has no words in use; nothing is written for it.
+    if (bits < 1)
+        return 0;
     const int r = bits % 32;
     const int nw = wordCount(bits);
     double x = roundToInteger(value, round);
@@ -298,18 +247,6 @@ namespace {
         return 1;
     splitIntoWords(x, words, nw, r);
     return 0;
-}
-
-}  // namespace
-
-int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
-{
-    // A width below 1 has no words in use; nothing is written for it.
-    if (bits < 1)
-        return 0;
-    if (bits <= 64 && value > -integerPathLimit && value < integerPathLimit)
-        return quantiseWithin64Bits(value, bits, words, sign, round, wrap);
-    return quantiseInDoubles(value, bits, words, sign, round, wrap);
 }
 
 }  // namespace Fixed
