@@ -27,9 +27,19 @@ bool sameFormat(const fixed& a, const fixed& b)
     return sameWidthAndExponent(a, b) && a.sign == b.sign;
 }
 
-// The reports of double2fixed, out of line: composing a text needs a large
-// frame that the conversion itself should not set up on every call.
-[[gnu::noinline]] void reportInvalidDouble2fixedFlags(int sign, int round, int wrap)
+// The words of a record with a valid width: value x 2^fracbits quantised
+// (2^fracbits rather than 2^-exp, whose negation could overflow for the most
+// negative fracbits).
+inline void quantiseInto(fixed& result, double value, int fracbits, int sign, int round, int wrap)
+{
+    const double scaled = powerOfTwo(fracbits) * value;
+    float2fix(scaled, result.bits, result.val, sign, round, wrap);
+}
+
+// double2fixed with something to report, out of line: composing a text needs
+// a large frame that the common conversion should not set up on every call.
+[[gnu::noinline]] void reportAndQuantise(fixed& result, double value, int fracbits, int sign,
+                                         int round, int wrap)
 {
     if (isInvalidFlag(sign))
         FIXED_REPORT(signature::double2fixed, message::double2fixedSign);
@@ -37,36 +47,29 @@ bool sameFormat(const fixed& a, const fixed& b)
         FIXED_REPORT(signature::double2fixed, message::double2fixedRound);
     if (isInvalidFlag(wrap))
         FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
-}
-
-[[gnu::noinline]] void reportDouble2fixedWidth()
-{
-    FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
+    if (result.bits > maxBits) {
+        FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
+        // The five words cannot hold the mantissa: they are cleared instead,
+        // so the record reads as zero and nothing is written beyond val[4].
+        for (int32_t& word : result.val)
+            word = 0;
+        return;
+    }
+    quantiseInto(result, value, fracbits, sign, round, wrap);
 }
 
 }  // namespace
 
 fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
 {
-    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap))
-        reportInvalidDouble2fixedFlags(sign, round, wrap);
-
     fixed result;
     result.sign = sign;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
-    if (result.bits > maxBits) {
-        reportDouble2fixedWidth();
-        // The five words cannot hold the mantissa: they are cleared instead,
-        // so the record reads as zero and nothing is written beyond val[4].
-        for (int32_t& word : result.val)
-            word = 0;
-        return result;
-    }
-    // value x 2^fracbits (that is 2^-exp without negating exp, which could
-    // overflow for the most negative fracbits).
-    const double scaled = powerOfTwo(fracbits) * value;
-    float2fix(scaled, result.bits, result.val, sign, round, wrap);
+    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || result.bits > maxBits)
+        reportAndQuantise(result, value, fracbits, sign, round, wrap);
+    else
+        quantiseInto(result, value, fracbits, sign, round, wrap);
     return result;
 }
 
