@@ -36,6 +36,30 @@ inline void quantiseInto(fixed& result, double value, int fracbits, int sign, in
     float2fix(scaled, result.bits, result.val, sign, round, wrap);
 }
 
+// A carry or borrow chain over the words of a's width, in a's format: the
+// shared body of addition and subtraction. A format mismatch is reported once
+// and the raw words are combined anyway. val[0] is always combined, even for
+// a width below 1, and no word beyond val[4] is touched whatever a.bits says.
+// The carry or borrow out of the top word is dropped: the result wraps at the
+// format's width.
+//
+// The result is a named local rather than the modified parameter: the local
+// is built in the caller's result slot, while a parameter would be copied out
+// with wide loads right after the chain's narrow word stores, which the
+// processor cannot forward.
+using WordChain = int (*)(int32_t*, const int32_t*, const int32_t*, int);
+
+fixed combineWordwise(const fixed& a, const fixed& b, const char* function, const char* mismatch,
+                      WordChain chain)
+{
+    if (!sameFormat(a, b))
+        FIXED_REPORT(function, mismatch);
+    const int nw = recordWordCount(a.bits);
+    fixed result = a;
+    chain(result.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return result;
+}
+
 // double2fixed with something to report, out of line: composing a text needs
 // a large frame that the common conversion should not set up on every call.
 [[gnu::noinline]] void reportAndQuantise(fixed& result, double value, int fracbits, int sign,
@@ -62,7 +86,9 @@ inline void quantiseInto(fixed& result, double value, int fracbits, int sign, in
 
 fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
 {
-    fixed result;
+    // Words above the width carry nothing; they are zeroed so that records
+    // built here compare and copy deterministically.
+    fixed result = {};
     result.sign = sign;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
@@ -80,10 +106,7 @@ double fixed2double(fixed f)
     return scale * mantissa;
 }
 
-// The record operations below build their result in a named local rather
-// than returning a modified parameter: the local is constructed in the
-// caller's result slot, while a parameter would be copied out with wide loads
-// right after narrow word stores, which the processor cannot forward.
+// A named result, built in place, for the same reason as combineWordwise's.
 fixed fixedshift(fixed f, int n)
 {
     fixed result = f;
@@ -93,24 +116,12 @@ fixed fixedshift(fixed f, int n)
 
 fixed fixedadd(fixed a, fixed b)
 {
-    if (!sameFormat(a, b))
-        FIXED_REPORT(signature::fixedadd, message::fixedaddFormat);
-    // val[0] is always summed, even for a width below 1; no word beyond
-    // val[4] is touched whatever a.bits says.
-    const int nw = recordWordCount(a.bits);
-    fixed result = a;
-    fixadd(result.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return result;
+    return combineWordwise(a, b, signature::fixedadd, message::fixedaddFormat, fixadd);
 }
 
 fixed fixedsub(fixed a, fixed b)
 {
-    if (!sameFormat(a, b))
-        FIXED_REPORT(signature::fixedsub, message::fixedsubFormat);
-    const int nw = recordWordCount(a.bits);
-    fixed result = a;
-    fixsub(result.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return result;
+    return combineWordwise(a, b, signature::fixedsub, message::fixedsubFormat, fixsub);
 }
 
 }  // namespace Fixed
