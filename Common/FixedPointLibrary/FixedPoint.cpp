@@ -67,8 +67,10 @@ CFixedPoint::CFixedPoint(const double& value, int preDecimalBits, int fractionBi
                          bool warn, CFixedPoint::MAXVALUE maxValue)
     : m_pValue(nullptr)
 {
-    RecordHolder record =
-        allocateRecord(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap));
+    // The conversion's result is built directly in the heap record (no
+    // temporary to copy); the record is released again if a report throws.
+    RecordHolder record(
+        new Fixed::fix(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap)));
     if (warn && !PreDecimalSufficient(value, preDecimalBits, sign, maxValue)) {
         FIXED_REPORT(Fixed::signature::constructFromDouble, Fixed::message::predecimalBefore,
                      preDecimalBits, Fixed::message::predecimalMiddle, value,
@@ -142,7 +144,7 @@ bool CFixedPoint::PreDecimalSufficient(const double& value, int preDecimalBits,
     const int64_t magnitudeBits = int64_t{preDecimalBits} - (isSigned ? 1 : 0);
     const int exponent = static_cast<int>(
         magnitudeBits < -2000 ? -2000 : (magnitudeBits > 2000 ? 2000 : magnitudeBits));
-    const double p = std::ldexp(1.0, exponent);
+    const double p = Fixed::powerOfTwo(exponent);
     const double lower = isSigned ? -p : 0.0;
     if (floored < lower)
         return false;
