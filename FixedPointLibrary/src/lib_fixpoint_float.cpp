@@ -3,6 +3,7 @@
 // produced with, so their results (including the roundings of widths above
 // 53 bits) are reproducible bit for bit on every platform.
 #include <cmath>
+#include <cstring>
 
 #include "fixed_report.h"
 #include "lib_fixpoint.h"
@@ -169,11 +170,45 @@ bool splitSmallInteger(double x, int32_t* words, int nw, int r)
     return true;
 }
 
+// Split stage for a finite x of 2^63 and more in magnitude (an integer, as
+// every such double is): its 53-bit significand shifted into place, then
+// negated over the words when x is negative. That is the two's complement the
+// double walk below produces. Returns false, writing nothing, for infinities,
+// NaN, smaller values and values outside [-2^width, 2^width), which the walk
+// and its check handle.
+bool splitLargeInteger(double x, int32_t* words, int nw, int r)
+{
+    const int width = r != 0 ? 32 * (nw - 1) + r : 32 * nw;
+    const double limit = powerOfTwo(width);
+    if (!(x >= -limit && x < limit) || (x > -9223372036854775808.0 && x < 9223372036854775808.0))
+        return false;
+    uint64_t bits;
+    std::memcpy(&bits, &x, sizeof bits);
+    const uint64_t significand = (bits & ((uint64_t{1} << 52) - 1u)) | (uint64_t{1} << 52);
+    const int exponent = static_cast<int>((bits >> 52) & 0x7FFu) - 1075;  // x = +-significand * 2^exponent
+    const int shift = exponent + (r != 0 ? 32 - r : 0);                   // and the pad bits below
+    const int first = shift / 32;
+    const int offset = shift % 32;
+    // The significand spans at most three words from `first` up.
+    const uint32_t parts[3] = {
+        static_cast<uint32_t>(significand << offset),
+        static_cast<uint32_t>(offset == 0 ? significand >> 32 : significand >> (32 - offset)),
+        static_cast<uint32_t>(offset == 0 ? 0u : significand >> (64 - offset)),
+    };
+    for (int k = 0; k < nw; ++k) {
+        const int part = k - first;
+        words[k] = asWord(part >= 0 && part < 3 ? parts[part] : 0u);
+    }
+    if (x < 0.0)
+        fixneg(words, words, nw);
+    return true;
+}
+
 // Split stage: the integer x into nw words, least significant first. Floor
 // produces two's complement for negative x without a negation.
 void splitIntoWords(double x, int32_t* words, int nw, int r)
 {
-    if (splitSmallInteger(x, words, nw, r))
+    if (splitSmallInteger(x, words, nw, r) || splitLargeInteger(x, words, nw, r))
         return;
     int k = 0;
     int left = nw;
