@@ -10,13 +10,6 @@
 namespace Fixed {
 namespace {
 
-// Flags are valid as 0 or 1 only; the comparison is unsigned so that
-// negative values are invalid too.
-bool isInvalidFlag(int flag)
-{
-    return static_cast<uint32_t>(flag) > 1u;
-}
-
 bool sameWidthAndExponent(const fixed& a, const fixed& b)
 {
     return a.bits == b.bits && a.exp == b.exp;

@@ -42,6 +42,18 @@ constexpr int recordWordCount(int bits)
     return bits < 1 ? 0 : (bits > maxBits ? maxWords : wordCount(bits));
 }
 
+/// Whether a width names a mantissa a record can hold (1..160 bits).
+constexpr bool isMantissaWidth(int64_t bits) { return bits >= 1 && bits <= maxBits; }
+
+/// A shift between two formats (a difference of widths and exponents,
+/// computed in 64 bits) clamped to +-1024 bits. With at most 160 bits on
+/// either side every bit of a longer shift is sign extension or lost, so the
+/// clamp changes no result and keeps later sums clear of int overflow.
+constexpr int clampedShift(int64_t shift)
+{
+    return static_cast<int>(shift < -1024 ? -1024 : (shift > 1024 ? 1024 : shift));
+}
+
 /// 32-bit two's complement addition without signed overflow.
 constexpr int32_t wrappingAdd(int32_t a, int32_t b)
 {
@@ -135,6 +147,9 @@ inline int float2fix(double value, int bits, int32_t* words, int sign, int round
 }
 
 // ---- Format conversion kernels (destination words cleared on entry) -----
+// Each kernel reads only the source bits its arguments imply (for the ones
+// not given the source width: the kept bits and the rounding bit below
+// them); a call implying more than 160 source or result bits writes nothing.
 
 /// More integer bits, every source bit kept: sign fill and shifted copy.
 void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign);
@@ -148,6 +163,8 @@ uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k,
 uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
                         int wrap);
 /// Word-array form of the whole conversion; returns 1 when it saturated.
+/// Source pad bits take no part; widths outside 1..160 touch no word and
+/// return 0.
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
                    int dstexp, int sign, int round, int wrap);
 
