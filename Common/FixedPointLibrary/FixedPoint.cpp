@@ -105,11 +105,10 @@ CFixedPoint::CFixedPoint(const CFixedPoint& other, int preDecimalBits, int fract
                          CFixedPoint::SIGN sign, CFixedPoint::ROUND round, CFixedPoint::WRAP wrap)
     : m_pValue(nullptr)
 {
-    // Converted before the record is allocated: a report that throws leaves
-    // nothing behind.
-    const Fixed::fix converted =
-        Fixed::fixedformat(other.GetValue(), preDecimalBits, fractionBits, sign, round, wrap);
-    m_pValue = new Fixed::fix(converted);
+    // The conversion's result is built directly in the heap record (no
+    // temporary to copy); a report that throws releases the record again.
+    m_pValue = new Fixed::fix(
+        Fixed::fixedformat(*other.m_pValue, preDecimalBits, fractionBits, sign, round, wrap));
 }
 
 CFixedPoint& CFixedPoint::operator=(const CFixedPoint& other)
