@@ -14,6 +14,6 @@ cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DFIXEDPOINT_BUILD_BENCHMAR
 cmake --build build-bench -j"$jobs" --target fixedpoint_bench >/dev/null
 
 build-bench/bench/fixedpoint_bench --benchmark_min_time="${BENCH_MIN_TIME:-0.2}" \
-    --benchmark_out=build-bench/bench.json --benchmark_out_format=json "$@" >/dev/null
+    --benchmark_out=build-bench/bench.json --benchmark_out_format=json "$@" >build-bench/bench.log 2>&1
 
 python3 scripts/bench_table.py build-bench/bench.json

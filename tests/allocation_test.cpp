@@ -80,6 +80,13 @@ TEST(HeapUse, CoreRoutinesAllocateNothing)
             sink = sink + Fixed::fixed2double(Fixed::fixedadd(a, b));
             sink = sink + Fixed::fixed2double(Fixed::fixedsub(a, b));
             sink = sink + Fixed::fixed2double(Fixed::fixedshift(a, 3));
+            // Widening, same width, narrowing; rounded and saturated.
+            for (int intbits : {bits / 2 + 3, bits / 2, bits / 2 - 3}) {
+                const Fixed::fixed f = Fixed::fixedformat(a, intbits, bits / 2 - 5, 1, 1, 0);
+                sink = sink + Fixed::fixed2double(f);
+                int32_t out[5] = {};
+                Fixed::fixformat(a.val, out, a.bits, f.bits, a.exp, f.exp, 1, 1, 0);
+            }
             sink = sink + Fixed::powerOfTwo(bits);
         });
         EXPECT_EQ(counts.allocations, 0);
@@ -110,6 +117,10 @@ TEST(HeapUse, EveryObjectHoldsExactlyOneRecord)
          })},
         {"copy", 1, 1, countDuring([&] { CFixedPoint v(x); })},
         {"shift", 1, 1, countDuring([&] { CFixedPoint v = x << 3; })},
+        {"reformat", 1, 1, countDuring([&] {
+             CFixedPoint v(x, 6, 3, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_NEAREST,
+                           CFixedPoint::WRAP_SATURATE);
+         })},
         {"assignment", 0, 0, countDuring([&] { y = x; })},
         {"accumulation", 0, 0, countDuring([&] { x += x; })},
         {"conversions", 0, 0, countDuring([&] {
