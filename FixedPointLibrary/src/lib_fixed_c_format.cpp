@@ -88,67 +88,6 @@ int rowFor(int gained)
         FIXED_REPORT(signature::fixedformat, message::fixedformatWidth);
 }
 
-// The whole conversion on one 64-bit integer, for valid flags, source and
-// result of at most 64 bits and no integer bits gained beyond what the 64
-// bits hold (shift >= 0 below), the common case. The source is read
-// left-aligned in 64 bits; shifting it right by `shift` = (integer bits
-// lost) + (64 - result bits) leaves the result's integer m, the bit below it
-// is the rounding bit, and m is then saturated or wrapped and stored
-// left-aligned. That is the conversion's numeric contract step for step, so
-// the kernels give the same words. Returns false, writing nothing, for
-// every other conversion.
-bool convertWithin64Bits(const fixed& x, fixed& result, int gained, int sign, int round, int wrap)
-{
-    const int sourceBits = x.bits;
-    const int resultBits = result.bits;
-    if (sourceBits > 64 || resultBits > 64 || ((sign | round | wrap) & ~1) != 0)
-        return false;
-    const int pad = 64 - resultBits;
-    const int shift = gained + pad;  // gained is clamped to +-1024: no overflow
-    if (shift < 0)
-        return false;
-    uint64_t a = sourceBits > 32
-                     ? (uint64_t{asUnsigned(x.val[1])} << 32) | asUnsigned(x.val[0])
-                     : uint64_t{asUnsigned(x.val[0])} << 32;
-    a &= ~uint64_t{0} << (64 - sourceBits);  // pad bits take no part
-    const bool negative = sign != 0 && (a >> 63) != 0;
-    // m's two's complement bits: a shifted right, sign-extended when signed.
-    uint64_t m = 0;
-    uint64_t roundingBit = 0;
-    if (shift >= 64) {
-        m = negative ? ~uint64_t{0} : 0u;
-        roundingBit = shift == 64 ? a >> 63 : (negative ? 1u : 0u);
-    } else if (shift > 0) {
-        m = negative ? ~(~a >> shift) : a >> shift;
-        roundingBit = (a >> (shift - 1)) & 1u;
-    } else {
-        m = a;
-    }
-    // Only a shift leaves room for the increment: m is then below 2^63 in
-    // magnitude.
-    if (round != 0)
-        m += roundingBit;
-    if (wrap == 0 && resultBits < 64) {
-        if (sign != 0) {
-            const int64_t value = static_cast<int64_t>(m);
-            const int64_t highest = (int64_t{1} << (resultBits - 1)) - 1;
-            const int64_t lowest = -highest - 1;
-            m = static_cast<uint64_t>(value < lowest ? lowest : (value > highest ? highest : value));
-        } else {
-            const uint64_t highest = (uint64_t{1} << resultBits) - 1u;
-            m = m > highest ? highest : m;
-        }
-    }
-    const uint64_t aligned = m << pad;  // under wrap-around the bits above fall off
-    if (resultBits > 32) {
-        result.val[0] = asWord(static_cast<uint32_t>(aligned));
-        result.val[1] = asWord(static_cast<uint32_t>(aligned >> 32));
-    } else {
-        result.val[0] = asWord(static_cast<uint32_t>(aligned >> 32));
-    }
-    return true;
-}
-
 }  // namespace
 
 fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
@@ -172,7 +111,10 @@ fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int w
         return result;
 
     const int gained = clampedShift(int64_t{intbits} - (int64_t{x.bits} + int64_t{x.exp}));
-    if (convertWithin64Bits(x, result, gained, sign, round, wrap))
+    // Formats of up to 64 bits: one 64-bit integer instead of the kernels
+    // (the result words are still clear, so ORing into them is storing).
+    uint32_t saturated = 0;
+    if (fixformat64(x.val, result.val, x.bits, result.bits, gained, sign, round, wrap, saturated))
         return result;
 
     // Pad bits of the source are masked away first (only the raw two-word

@@ -162,6 +162,13 @@ uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k,
 /// Fewer integer bits and fewer fractional bits.
 uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
                         int wrap);
+/// The conversion for source and destination widths of at most 64 bits whose
+/// result integer lies within the 64 bits read (no more integer bits gained
+/// than the destination's pad), on one 64-bit integer: ORs the result into
+/// dst and sets `saturated`. Every nonzero flag counts as 1. Returns false,
+/// touching nothing, for every other conversion, which the kernels handle.
+bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained, int sign,
+                 int round, int wrap, uint32_t& saturated);
 /// Word-array form of the whole conversion; returns 1 when it saturated.
 /// Source pad bits take no part; widths outside 1..160 touch no word and
 /// return 0.
