@@ -1,15 +1,16 @@
 // fixpt: quantise a value into a fixed-point format from the command line.
 //
 //   fixpt VALUE INTBITS FRACBITS [--unsigned] [--round floor|nearest]
-//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n]
+//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n] [--radix 2|4|8|16]
 //         [--to INTBITS,FRACBITS [--to-unsigned] [--to-round floor|nearest]
 //          [--to-overflow saturate|wrap]]
 //
 // Prints the quantised value, the raw pattern (or the mantissa words above
-// 64 bits) and the quantisation error. With --to the quantised value is then
-// re-quantised into a second format (reading its bits under the second
-// format's signedness) and printed the same way. Diagnostics reach stderr
-// through the host's report function.
+// 64 bits), the value as text in a power-of-two radix (hexadecimal unless
+// --radix says otherwise) and the quantisation error. With --to the quantised
+// value is then re-quantised into a second format (reading its bits under the
+// second format's signedness) and printed the same way. Diagnostics reach
+// stderr through the host's report function.
 #include <QCoreApplication>
 #include <QCommandLineParser>
 #include <QStringList>
@@ -17,8 +18,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "FixedPoint.h"
+#include "lib_fixpoint.h"
 
 namespace {
 
@@ -37,6 +40,7 @@ struct Request {
     CFixedPoint::MAXVALUE maxValue;
     bool reformat;
     Format target;  // the format of --to, when reformat is set
+    int digitBits;  // bits per digit of the printed text: 1 to 4
 };
 
 [[noreturn]] void usageError(const QCommandLineParser& parser, const QString& message)
@@ -49,7 +53,7 @@ struct Request {
 // Options that take a value; everything else that does not start with '-'
 // followed by a letter is a positional argument (negative numbers included).
 const char* const optionsWithValue[] = {"--round", "--overflow", "--max", "--to", "--to-round",
-                                        "--to-overflow"};
+                                        "--to-overflow", "--radix"};
 
 bool takesValue(const QString& argument)
 {
@@ -150,6 +154,18 @@ void addFormatOptions(QCommandLineParser& parser, const QString& prefix, const Q
                       QStringLiteral("mode"), QStringLiteral("saturate")});
 }
 
+// Bits per digit of a power-of-two radix.
+int parseRadix(const QCommandLineParser& parser)
+{
+    const QString text = parser.value(QStringLiteral("radix"));
+    const int radixes[] = {2, 4, 8, 16};
+    for (int digitBits = 1; digitBits <= 4; ++digitBits) {
+        if (text == QString::number(radixes[digitBits - 1]))
+            return digitBits;
+    }
+    usageError(parser, QStringLiteral("--radix takes 2, 4, 8 or 16, not %1").arg(text));
+}
+
 Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
 {
     parser.setApplicationDescription(QStringLiteral("Quantise VALUE into a fixed-point format."));
@@ -168,6 +184,9 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
                       QStringLiteral("Re-quantise the value into INTBITS,FRACBITS as well."),
                       QStringLiteral("bits")});
     addFormatOptions(parser, QStringLiteral("to-"), QStringLiteral("the --to format"));
+    parser.addOption({QStringLiteral("radix"),
+                      QStringLiteral("Radix of the printed text: 2, 4, 8 or 16 (default 16)."),
+                      QStringLiteral("radix"), QStringLiteral("16")});
     if (!parser.parse(separatePositionals(arguments)))
         usageError(parser, parser.errorText());
     if (parser.isSet(QStringLiteral("help"))) {
@@ -198,6 +217,7 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
     request.target = parseFormatOptions(parser, QStringLiteral("to-"));
     if (request.reformat)
         parseBitPair(parser, parser.value(QStringLiteral("to")), &request.target);
+    request.digitBits = parseRadix(parser);
     return request;
 }
 
@@ -221,15 +241,30 @@ void printRawPattern(CFixedPoint& value)
     std::printf("  (val[%d] .. val[0])\n", words - 1);
 }
 
-// The value's format, the value, its raw pattern and its distance from what
+// The mantissa as positional text with a radix point (or in scientific form),
+// sized by a length query first; the terminator is ours to add.
+void printText(const Fixed::fix& record, int digitBits)
+{
+    const int length = Fixed::fix2str2(record.val, record.bits, record.exp, nullptr, digitBits, 1, 0, 0, 1);
+    std::vector<char> text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
+    if (length > 0)
+        Fixed::fix2str2(record.val, record.bits, record.exp, &text[static_cast<size_t>(length) - 1],
+                        digitBits, 1, 0, 0, 0);
+    char label[16];
+    std::snprintf(label, sizeof label, "radix %d:", 1 << digitBits);
+    std::printf("%-12s%s\n", label, text.data());
+}
+
+// The value's format, the value, its raw pattern, its text and its distance from what
 // it was made from (the input, or the quantised value for --to); returns the
 // value.
-double printValue(const char* label, CFixedPoint& value, double origin)
+double printValue(const char* label, CFixedPoint& value, double origin, int digitBits)
 {
     const double quantised = static_cast<double>(value);
     printFormat(value.GetValue());
     std::printf("%s%.17g\n", label, quantised);
     printRawPattern(value);
+    printText(value.GetValue(), digitBits);
     std::printf("error:      %.17g\n", quantised - origin);
     return quantised;
 }
@@ -245,12 +280,12 @@ int main(int argc, char** argv)
     CFixedPoint value(request.value, format.intBits, format.fracBits, format.sign, format.round,
                       format.wrap, request.warn, request.maxValue);
     std::printf("input:      %.17g\n", request.value);
-    const double quantised = printValue("quantised:  ", value, request.value);
+    const double quantised = printValue("quantised:  ", value, request.value, request.digitBits);
     if (request.reformat) {
         const Format& target = request.target;
         CFixedPoint converted(value, target.intBits, target.fracBits, target.sign, target.round,
                               target.wrap);
-        printValue("converted:  ", converted, quantised);
+        printValue("converted:  ", converted, quantised, request.digitBits);
     }
     return 0;
 }

@@ -178,7 +178,9 @@ uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, i
 // ---- Multiplication -------------------------------------------------------
 
 /// out[0..nx+ny-1] = x * y (two's complement where sx / sy are set); out
-/// must be zero on entry. Carry counters are taken from the heap and released.
+/// must be zero on entry. Carry counters are taken from the heap and released;
+/// if they cannot be had, out is left all zero. nout (nx + ny - 1 or nx + ny)
+/// bounds the carry pass; no word beyond out[nx + ny - 1] is written.
 void fixmult(int32_t* out, const int32_t* x, const int32_t* y, int nx, int ny, int nout, int sx,
              int sy);
 
@@ -205,11 +207,14 @@ int fixbitcount(const int32_t* x, int n);
 
 /// The whole mantissa as digits of digitbits bits, then "*2^exp" when exp is
 /// nonzero; written backward ending at str, step apart. Returns the length;
-/// with query nonzero writes nothing and returns the same length.
+/// with query nonzero writes nothing and returns the same length. A digit
+/// width outside 1..4 is reported and gives the empty text (0, nothing
+/// written); a width below 1 gives the exponent part only.
 int fix2str1(const int32_t* words, int bits, int exp, char* str, int digitbits, int step, int align,
              int lower, int query);
 /// Positional text with a radix point, or scientific form with one integer
-/// bit and "*2^e"; same conventions as fix2str1.
+/// bit and "*2^e"; same conventions as fix2str1, except that a width below 1
+/// gives the digit "0" followed by the exponent part when exp is nonzero.
 int fix2str2(const int32_t* words, int bits, int exp, char* str, int digitbits, int step, int align,
              int lower, int query);
 
