@@ -88,6 +88,12 @@ TEST(HeapUse, CoreRoutinesAllocateNothing)
                 Fixed::fixformat(a.val, out, a.bits, f.bits, a.exp, f.exp, 1, 1, 0);
             }
             sink = sink + Fixed::powerOfTwo(bits);
+            sink = sink + Fixed::fixedgt(a, b) + Fixed::fixedle(a, b) + Fixed::fixedeq(a, b);
+            char text[128];
+            for (int query = 1; query >= 0; --query) {
+                sink = sink + Fixed::fix2str1(a.val, a.bits, a.exp, text + 120, 4, 1, 2, 0, query);
+                sink = sink + Fixed::fix2str2(a.val, a.bits, a.exp, text + 120, 3, 1, 0, 1, query);
+            }
         });
         EXPECT_EQ(counts.allocations, 0);
         EXPECT_EQ(counts.releases, 0);
