@@ -199,8 +199,8 @@ void describeArguments(QCommandLineParser& parser)
                       QStringLiteral("radix"), QStringLiteral("16")});
     parser.addOption({QStringLiteral("align"),
                       QStringLiteral("Digit grouping of the printed text: 0 from the radix point, 1 "
-                                     "integer digits from their top bit, 2 from the lowest bit "
-                                     "(default 0)."),
+                                     "integer digits from their top bit, 2 each part from its "
+                                     "lowest bit (default 0)."),
                       QStringLiteral("align"), QStringLiteral("0")});
     parser.addOption({QStringLiteral("batch"),
                       QStringLiteral("Read one value per line from stdin (blank lines and # comments "
