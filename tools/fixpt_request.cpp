@@ -18,7 +18,7 @@ namespace {
 }
 
 // Options that take a value; everything else that does not start with '-'
-// followed by a letter is a positional argument (negative numbers included).
+// or reads as a number is a positional argument (-1.5 and -inf included).
 const char* const optionsWithValue[] = {"--round",    "--overflow", "--max",   "--to",
                                         "--to-round", "--to-overflow", "--radix", "--align"};
 
@@ -33,8 +33,9 @@ bool takesValue(const QString& argument)
 
 bool isOption(const QString& argument)
 {
-    return argument.size() > 1 && argument.at(0) == QLatin1Char('-') &&
-           !argument.at(1).isDigit() && argument.at(1) != QLatin1Char('.');
+    bool isNumber = false;
+    argument.toDouble(&isNumber);
+    return argument.size() > 1 && argument.at(0) == QLatin1Char('-') && !isNumber;
 }
 
 // Moves positional arguments behind "--" so that negative values such as

@@ -29,6 +29,7 @@ expect_status 2 1.7 s4.12 --bogus
 grep -q "^fixpt: Unknown option 'bogus'" "$tmp/stderr" || fail "no message for an unknown option"
 expect_status 2 1.7 s4.12 --unsigned  # the sign letter and the flag disagree
 expect_status 2 1.7 4                 # FRACBITS missing
+expect_status 0 -inf s4.12             # a negative value is no option
 expect_status 2 1.7 s4.12 --to 8
 expect_status 2 1.7 s4.12 --align 3
 
