@@ -109,4 +109,15 @@ mpz_class randomMantissa(std::mt19937_64& random, int bits, bool isSigned)
     return wrapInto(pattern, bits, isSigned);
 }
 
+mpz_class edgeWeightedMantissa(std::mt19937_64& random, int bits, bool isSigned)
+{
+    switch (random() % 8) {
+    case 0: return minimum(bits, isSigned);
+    case 1: return maximum(bits, isSigned);
+    case 2: return isSigned ? mpz_class(-1) : mpz_class(0);
+    case 3: return maximum(bits, isSigned) - 1;
+    default: return randomMantissa(random, bits, isSigned);
+    }
+}
+
 }  // namespace model

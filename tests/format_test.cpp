@@ -1,9 +1,10 @@
 // fixedformat and fixformat against the exact model of re-quantisation:
 // read the source under the target signedness, shift by the exponent
 // difference, floor or round half up, saturate or reduce modulo 2^bits, lay
-// out left-aligned.
+// out left-aligned. Plus the exponents too far apart for any shift.
 #include <gtest/gtest.h>
 
+#include <array>
 #include <memory>
 #include <random>
 #include <string>
@@ -16,7 +17,7 @@
 
 namespace {
 
-constexpr int32_t sentinel = 0x5A5A5A5A;
+using model::sentinel;
 
 struct Expected {
     mpz_class mantissa;
@@ -75,44 +76,22 @@ mpz_class weightedPattern(std::mt19937_64& random, int bits)
 {
     mpz_class pattern = model::randomMantissa(random, bits, false);
     const auto setRun = [&](int top, int length, bool ones) {
-        for (int i = 0; i < length && top - i >= 0; ++i) {
-            if (ones)
-                mpz_setbit(pattern.get_mpz_t(), static_cast<unsigned long>(top - i));
-            else
-                mpz_clrbit(pattern.get_mpz_t(), static_cast<unsigned long>(top - i));
-        }
+        for (int i = 0; i < length && top - i >= 0; ++i)
+            (ones ? mpz_setbit : mpz_clrbit)(pattern.get_mpz_t(), static_cast<unsigned long>(top - i));
     };
-    switch (random() % 6) {
-    case 0:
-        return pattern;
-    case 1:
+    const int kind = static_cast<int>(random() % 6);
+    if (kind == 1 || kind == 3)
         setRun(bits - 1, static_cast<int>(random() % (bits + 1)), random() % 2 == 0);
-        return pattern;
-    case 2:
-        setRun(static_cast<int>(random() % bits), static_cast<int>(random() % (bits + 1)), true);
-        return pattern;
-    case 3:
-        setRun(bits - 1, static_cast<int>(random() % (bits + 1)), random() % 2 == 0);
-        setRun(static_cast<int>(random() % bits), static_cast<int>(random() % (bits + 1)),
-               random() % 4 != 0);
-        return pattern;
-    case 4: {
-        static const int extremes[] = {0, 1, 2, 3};
-        switch (extremes[random() % 4]) {
-        case 0:
-            return 0;
-        case 1:
-            return (mpz_class(1) << bits) - 1;
-        case 2:
-            return mpz_class(1) << (bits - 1);
-        default:
-            return (mpz_class(1) << (bits - 1)) - 1;
-        }
-    }
-    default:
+    if (kind == 2 || kind == 3)
+        setRun(static_cast<int>(random() % bits), static_cast<int>(random() % (bits + 1)), random() % 4 != 0);
+    if (kind == 5)
         setRun(bits - 2, static_cast<int>(random() % bits), true);
-        return pattern;
+    if (kind == 4) {
+        const mpz_class extremes[] = {0, (mpz_class(1) << bits) - 1, mpz_class(1) << (bits - 1),
+                                      (mpz_class(1) << (bits - 1)) - 1};
+        return extremes[random() % 4];
     }
+    return pattern;
 }
 
 Conversion randomConversion(std::mt19937_64& random)
@@ -205,6 +184,26 @@ TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
     }
     EXPECT_GT(saturations, conversionCount / 20) << "too few saturating cases drawn";
     EXPECT_TRUE(recordedReports().empty());
+}
+
+TEST(FixFormat, ExtremeExponentsSaturateOrVanish)
+{
+    constexpr int most = 2147483647, least = -2147483647 - 1;
+    struct Case { uint32_t source; int srcexp, dstexp, round; uint32_t expected, flag; };
+    const Case cases[] = {
+        {0x01000000, most, least, 0, 0x7F000000, 1},  // far too large
+        {0xFF000000, most, least, 0, 0x80000000, 1},  // far too small
+        {0x01000000, least, most, 1, 0x00000000, 0},  // far below the last place
+        {0xFF000000, least, most, 0, 0xFF000000, 0},  // floor of a tiny negative: -1
+        {0xFF000000, least, most, 1, 0x00000000, 0},  // rounded: 0
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.srcexp) + " -> " + std::to_string(c.dstexp));
+        const int32_t source = static_cast<int32_t>(c.source);
+        int32_t frame[3] = {sentinel, 0, sentinel};
+        EXPECT_EQ(Fixed::fixformat(&source, frame + 1, 8, 8, c.srcexp, c.dstexp, 1, c.round, 0), c.flag);
+        EXPECT_EQ(model::hexWords(frame, 3), model::hexWords(std::array<int32_t, 3>{sentinel, static_cast<int32_t>(c.expected), sentinel}.data(), 3));
+    }
 }
 
 }  // namespace
