@@ -82,7 +82,7 @@ TEST_F(Diagnostics, TextsSignaturesAndOrder)
         {"eq", [] { EXPECT_EQ(Fixed::fixedeq(rec(8, 0, 0, 0x80000000), rec(8, 0, 1, 0x80000000)), 1); },
          {{"int Fixed::fixedeq(Fixed::fixed, Fixed::fixed)", "C error: fixedpoint numbers with different format can't be compared (fixedeq)."}}},
         {"digit width", [] {
-             const int32_t w[1] = {0x3FF << 22};
+             const int32_t w[1] = {static_cast<int32_t>(0xFFC00000u)};
              std::string buffer(8, '#');
              for (int k : {0, 5, -3, INT_MIN})
                  for (int query : {0, 1})
