@@ -94,6 +94,9 @@ TEST_F(ClassTest, AThrowingReportLeavesNoObjectBehind)
     throwOnReports(1);
     EXPECT_THROW(sum += other, ReportFailure);
     EXPECT_TRUE(sameWords(sum.GetValue(), before));
+    throwOnReports(1);  // the reformat constructor's width report
+    EXPECT_THROW(CFixedPoint(sum, 100, 100, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_FLOOR, CFixedPoint::WRAP_SATURATE),
+                 ReportFailure);
     clearRecordedReports();
 }
 
