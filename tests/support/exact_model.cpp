@@ -74,8 +74,9 @@ mpz_class randomMantissa(std::mt19937_64& random, int bits, bool isSigned)
 
 mpz_class edgeWeightedMantissa(std::mt19937_64& random, int bits, bool isSigned)
 {
-    switch (random() % 8) {
+    switch (random() % 9) {
     case 0: return minimum(bits, isSigned);
+    case 4: return wrapInto(1, bits, isSigned);  // all ones plus one ripples through every word
     case 1: return maximum(bits, isSigned);
     case 2: return isSigned ? mpz_class(-1) : mpz_class(0);
     case 3: return maximum(bits, isSigned) - 1;

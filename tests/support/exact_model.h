@@ -50,7 +50,7 @@ int boundaryWeightedWidth(std::mt19937_64& random);
 mpz_class randomMantissa(std::mt19937_64& random, int bits, bool isSigned);
 
 /// Often one of the values where carries, borrows and overflows happen (the
-/// extremes, zero or minus one, one below the maximum), else uniform.
+/// extremes, zero, one or minus one, one below the maximum), else uniform.
 mpz_class edgeWeightedMantissa(std::mt19937_64& random, int bits, bool isSigned);
 
 /// Fill value of the words around a destination: a write past it shows.
