@@ -13,8 +13,7 @@ namespace {
 
 std::string describe(const Fixed::fixed& f)
 {
-    return "bits " + std::to_string(f.bits) + " exp " + std::to_string(f.exp) + " sign " +
-           std::to_string(f.sign) + " words " + model::hexWords(f.val, 5);
+    return std::to_string(f.bits) + "/" + std::to_string(f.exp) + "/" + std::to_string(f.sign) + " " + model::hexWords(f.val, 5);
 }
 
 Fixed::fixed modelRecord(const mpz_class& m, int bits, int exp, int sign)
@@ -38,12 +37,9 @@ TEST_F(SumModel, AddAndSubtractMatchGmpModuloTheWidth)
         const Fixed::fixed a = modelRecord(model::edgeWeightedMantissa(random, bits, sign), bits, exp, sign);
         Fixed::fixed b = modelRecord(model::edgeWeightedMantissa(random, bits, sign), bits, exp, sign);
         const int mismatch = random() % 4 == 0 ? static_cast<int>(random() % 3) + 1 : 0;
-        if (mismatch == 1)
-            b.bits = bits == 160 ? 159 : bits + 1;
-        else if (mismatch == 2)
-            b.exp += 4;
-        else if (mismatch == 3)
-            b.sign = 1 - sign;
+        b.bits = mismatch == 1 ? (bits == 160 ? 159 : bits + 1) : bits;
+        b.exp += mismatch == 2 ? 4 : 0;
+        b.sign = mismatch == 3 ? 1 - sign : sign;
         const bool add = trial % 2 == 0;
         SCOPED_TRACE(describe(a) + (add ? " + " : " - ") + describe(b));
         const Fixed::fixed result = add ? Fixed::fixedadd(a, b) : Fixed::fixedsub(a, b);
@@ -54,14 +50,13 @@ TEST_F(SumModel, AddAndSubtractMatchGmpModuloTheWidth)
         model::writeMantissa(add ? mpz_class(x + y) : mpz_class(x - y), width, want.val);
         ASSERT_EQ(model::hexWords(result.val, 5), model::hexWords(want.val, 5));
         ASSERT_TRUE(result.bits == a.bits && result.exp == a.exp && result.sign == a.sign);
+        const std::string name = add ? "fixedadd" : "fixedsub";
         if (mismatch == 0)
             expectNoReports();
-        else if (add)
-            expectReports({{"Fixed::fixed Fixed::fixedadd(Fixed::fixed, Fixed::fixed)",
-                            "C error: fixedpoint numbers with different format can't be added (fixedadd)."}});
         else
-            expectReports({{"Fixed::fixed Fixed::fixedsub(Fixed::fixed, Fixed::fixed)",
-                            "C error: fixedpoint numbers with different format can't be subtracted (fixedsub)."}});
+            expectReports({{"Fixed::fixed Fixed::" + name + "(Fixed::fixed, Fixed::fixed)",
+                            std::string("C error: fixedpoint numbers with different format can't be ") +
+                                (add ? "added (" : "subtracted (") + name + ")."}});
     }
 }
 
@@ -161,10 +156,6 @@ TEST(WordPrimitivesModel, MatchGmp)
         if (::testing::Test::HasFailure())
             return;
     }
-    int32_t untouched[1] = {7};  // no words: zero, nothing written
-    EXPECT_EQ(Fixed::fixneg(untouched, untouched, 0), 1);
-    EXPECT_EQ(Fixed::fixeq(untouched, untouched, 0), 1);
-    EXPECT_EQ(untouched[0], 7);
 }
 
 }  // namespace

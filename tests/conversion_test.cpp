@@ -41,10 +41,8 @@ TEST(Float2FixModel, MatchesTheExactModelWithoutWritingPastTheWidth)
     std::mt19937_64 random(2024);
     int divergent = 0;
     for (int trial = 0; trial < 60000; ++trial) {
-        const int bits = model::boundaryWeightedWidth(random);
-        const int sign = static_cast<int>(random() % 2);
-        const int round = static_cast<int>(random() % 2);
-        const int wrap = static_cast<int>(random() % 2);
+        const int bits = model::boundaryWeightedWidth(random), sign = static_cast<int>(random() % 2);
+        const int round = static_cast<int>(random() % 2), wrap = static_cast<int>(random() % 2);
         const double value = randomValue(random, bits);
         SCOPED_TRACE(testing::Message() << std::hexfloat << value << std::defaultfloat << " into " << bits
                                         << " bits, sign " << sign << " round " << round << " wrap " << wrap);
@@ -69,7 +67,9 @@ TEST(Float2FixModel, MatchesTheExactModelWithoutWritingPastTheWidth)
     EXPECT_LT(divergent, 600);  // the divergent region stays a rarity
 }
 
-TEST(Float2Fix, NonFiniteValuesAndEmptyWidths)
+class Float2Fix : public ReportingTest {};
+
+TEST_F(Float2Fix, NonFiniteValuesAndEmptyWidths)
 {
     const double nan = std::numeric_limits<double>::quiet_NaN();
     const double inf = std::numeric_limits<double>::infinity();
@@ -84,31 +84,24 @@ TEST(Float2Fix, NonFiniteValuesAndEmptyWidths)
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.value << " into " << c.bits << " r" << c.round << " w" << c.wrap);
-        clearRecordedReports();
         int32_t words[6];
         std::fill(std::begin(words), std::end(words), sentinel);
         EXPECT_EQ(Fixed::float2fix(c.value, c.bits, words, c.sign, c.round, c.wrap), c.saturated);
         const int nw = c.bits < 1 ? 0 : model::wordsFor(c.bits);
         for (int i = 0; i < 6; ++i)
             EXPECT_EQ(static_cast<uint32_t>(words[i]), i >= nw ? 0x5A5A5A5Au : i == nw - 1 ? c.top : 0u) << i;
-        ASSERT_EQ(recordedReports().size(), c.reported ? 1u : 0u);
-        if (c.reported) {
-            EXPECT_EQ(recordedReports()[0].message, split);
-            EXPECT_EQ(recordedReports()[0].function, "int Fixed::float2fix(double, int, long int*, int, int, int)");
-        }
+        expectReports(c.reported ? std::vector<ExpectedReport>{{"int Fixed::float2fix(double, int, long int*, int, int, int)", split}}
+                                 : std::vector<ExpectedReport>{});
     }
-    clearRecordedReports();
 }
 
 TEST(Double2FixedModel, ScalesThenQuantisesExactly)
 {
     std::mt19937_64 random(7);
     for (int trial = 0; trial < 20000; ++trial) {
-        const int fracbits = static_cast<int>(random() % 80) - 20;
-        const int bits = static_cast<int>(random() % 53) + 1;
-        const int intbits = bits - fracbits;
-        const int sign = static_cast<int>(random() % 2), round = static_cast<int>(random() % 2);
-        const int wrap = static_cast<int>(random() % 2);
+        const int fracbits = static_cast<int>(random() % 80) - 20, bits = static_cast<int>(random() % 53) + 1;
+        const int intbits = bits - fracbits, sign = static_cast<int>(random() % 2);
+        const int round = static_cast<int>(random() % 2), wrap = static_cast<int>(random() % 2);
         const double value = std::ldexp(static_cast<double>(static_cast<int64_t>(random()) >> 11), intbits - 53);
         SCOPED_TRACE(testing::Message() << value << " as " << intbits << "." << fracbits);
         const Fixed::fixed f = Fixed::double2fixed(value, intbits, fracbits, sign, round, wrap);
@@ -116,9 +109,7 @@ TEST(Double2FixedModel, ScalesThenQuantisesExactly)
         const mpz_class expected = wrap != 0 ? model::wrapInto(rounded, bits, sign != 0)
                                              : model::saturateInto(rounded, bits, sign != 0);
         ASSERT_EQ(model::readMantissa(f.val, bits, sign != 0), expected);
-        ASSERT_EQ(f.bits, bits);
-        ASSERT_EQ(f.exp, -fracbits);
-        ASSERT_EQ(f.sign, sign);
+        ASSERT_TRUE(f.bits == bits && f.exp == -fracbits && f.sign == sign);
     }
 }
 
