@@ -1,11 +1,16 @@
 // fixpt: quantise a value into a fixed-point format from the command line.
 //
 //   fixpt VALUE INTBITS FRACBITS [--unsigned] [--round floor|nearest]
-//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n]
+//         [--overflow saturate|wrap] [--warn] [--max 2n-1|2n] [--radix 2|4|8|16]
+//         [--to INTBITS,FRACBITS [--to-unsigned] [--to-round floor|nearest]
+//          [--to-overflow saturate|wrap]]
 //
 // Prints the quantised value, the raw pattern (or the mantissa words above
-// 64 bits) and the quantisation error. Diagnostics reach stderr through the
-// host's report function.
+// 64 bits), the value as text in a power-of-two radix (hexadecimal unless
+// --radix says otherwise) and the quantisation error. With --to the quantised
+// value is then re-quantised into a second format (reading its bits under the
+// second format's signedness) and printed the same way. Diagnostics reach
+// stderr through the host's report function.
 #include <QCoreApplication>
 #include <QCommandLineParser>
 #include <QStringList>
@@ -13,8 +18,10 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <vector>
 
 #include "FixedPoint.h"
+#include "lib_fixpoint.h"
 
 namespace {
 
@@ -31,6 +38,9 @@ struct Request {
     Format format;
     bool warn;
     CFixedPoint::MAXVALUE maxValue;
+    bool reformat;
+    Format target;  // the format of --to, when reformat is set
+    int digitBits;  // bits per digit of the printed text: 1 to 4
 };
 
 [[noreturn]] void usageError(const QCommandLineParser& parser, const QString& message)
@@ -42,7 +52,8 @@ struct Request {
 
 // Options that take a value; everything else that does not start with '-'
 // followed by a letter is a positional argument (negative numbers included).
-const char* const optionsWithValue[] = {"--round", "--overflow", "--max"};
+const char* const optionsWithValue[] = {"--round", "--overflow", "--max", "--to", "--to-round",
+                                        "--to-overflow", "--radix"};
 
 bool takesValue(const QString& argument)
 {
@@ -105,6 +116,56 @@ Enum parseChoice(const QCommandLineParser& parser, const QString& option, const 
                            .arg(option, QLatin1String(first), QLatin1String(second), text));
 }
 
+// "INTBITS,FRACBITS" of --to.
+void parseBitPair(const QCommandLineParser& parser, const QString& text, Format* format)
+{
+    const QStringList parts = text.split(QLatin1Char(','));
+    if (parts.size() != 2)
+        usageError(parser, QStringLiteral("--to takes INTBITS,FRACBITS, not %1").arg(text));
+    format->intBits = parseInt(parser, parts.at(0), "--to INTBITS");
+    format->fracBits = parseInt(parser, parts.at(1), "--to FRACBITS");
+}
+
+// The options of one format: signedness, rounding and overflow, each with its
+// own option names (prefix "" for the value's format, "to-" for --to).
+Format parseFormatOptions(const QCommandLineParser& parser, const QString& prefix)
+{
+    Format format;
+    format.intBits = 0;
+    format.fracBits = 0;
+    format.sign = parser.isSet(prefix + QStringLiteral("unsigned")) ? CFixedPoint::SIGN_UNSIGNED
+                                                                    : CFixedPoint::SIGN_SIGNED;
+    format.round = parseChoice<CFixedPoint::ROUND>(parser, prefix + QStringLiteral("round"), "floor",
+                                                   "nearest");
+    format.wrap = parseChoice<CFixedPoint::WRAP>(parser, prefix + QStringLiteral("overflow"), "saturate",
+                                                 "wrap");
+    return format;
+}
+
+void addFormatOptions(QCommandLineParser& parser, const QString& prefix, const QString& whose)
+{
+    parser.addOption({prefix + QStringLiteral("unsigned"),
+                      QStringLiteral("Make %1 unsigned (default: signed).").arg(whose)});
+    parser.addOption({prefix + QStringLiteral("round"),
+                      QStringLiteral("Rounding of %1: floor or nearest (default nearest).").arg(whose),
+                      QStringLiteral("mode"), QStringLiteral("nearest")});
+    parser.addOption({prefix + QStringLiteral("overflow"),
+                      QStringLiteral("Overflow of %1: saturate or wrap (default saturate).").arg(whose),
+                      QStringLiteral("mode"), QStringLiteral("saturate")});
+}
+
+// Bits per digit of a power-of-two radix.
+int parseRadix(const QCommandLineParser& parser)
+{
+    const QString text = parser.value(QStringLiteral("radix"));
+    const int radixes[] = {2, 4, 8, 16};
+    for (int digitBits = 1; digitBits <= 4; ++digitBits) {
+        if (text == QString::number(radixes[digitBits - 1]))
+            return digitBits;
+    }
+    usageError(parser, QStringLiteral("--radix takes 2, 4, 8 or 16, not %1").arg(text));
+}
+
 Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
 {
     parser.setApplicationDescription(QStringLiteral("Quantise VALUE into a fixed-point format."));
@@ -113,17 +174,19 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
     parser.addPositionalArgument(QStringLiteral("INTBITS"),
                                  QStringLiteral("Integer bits, the sign bit included when signed."));
     parser.addPositionalArgument(QStringLiteral("FRACBITS"), QStringLiteral("Fractional bits."));
-    parser.addOption({QStringLiteral("unsigned"), QStringLiteral("Unsigned format (default: signed).")});
-    parser.addOption({QStringLiteral("round"), QStringLiteral("floor or nearest (default nearest)."),
-                      QStringLiteral("mode"), QStringLiteral("nearest")});
-    parser.addOption({QStringLiteral("overflow"),
-                      QStringLiteral("saturate or wrap (default saturate)."), QStringLiteral("mode"),
-                      QStringLiteral("saturate")});
+    addFormatOptions(parser, QString(), QStringLiteral("the format"));
     parser.addOption({QStringLiteral("warn"),
                       QStringLiteral("Report an integer part that does not fit INTBITS.")});
     parser.addOption({QStringLiteral("max"),
                       QStringLiteral("Largest integer part accepted by --warn: 2n-1 or 2n."),
                       QStringLiteral("bound"), QStringLiteral("2n-1")});
+    parser.addOption({QStringLiteral("to"),
+                      QStringLiteral("Re-quantise the value into INTBITS,FRACBITS as well."),
+                      QStringLiteral("bits")});
+    addFormatOptions(parser, QStringLiteral("to-"), QStringLiteral("the --to format"));
+    parser.addOption({QStringLiteral("radix"),
+                      QStringLiteral("Radix of the printed text: 2, 4, 8 or 16 (default 16)."),
+                      QStringLiteral("radix"), QStringLiteral("16")});
     if (!parser.parse(separatePositionals(arguments)))
         usageError(parser, parser.errorText());
     if (parser.isSet(QStringLiteral("help"))) {
@@ -139,6 +202,7 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
     request.value = positionals.at(0).toDouble(&ok);
     if (!ok)
         usageError(parser, QStringLiteral("VALUE is not a number: %1").arg(positionals.at(0)));
+    request.format = parseFormatOptions(parser, QString());
     request.format.intBits = parseInt(parser, positionals.at(1), "INTBITS");
     request.format.fracBits = parseInt(parser, positionals.at(2), "FRACBITS");
     request.format.sign =
@@ -149,6 +213,11 @@ Request parseRequest(QCommandLineParser& parser, const QStringList& arguments)
         parseChoice<CFixedPoint::WRAP>(parser, QStringLiteral("overflow"), "saturate", "wrap");
     request.warn = parser.isSet(QStringLiteral("warn"));
     request.maxValue = parseChoice<CFixedPoint::MAXVALUE>(parser, QStringLiteral("max"), "2n-1", "2n");
+    request.reformat = parser.isSet(QStringLiteral("to"));
+    request.target = parseFormatOptions(parser, QStringLiteral("to-"));
+    if (request.reformat)
+        parseBitPair(parser, parser.value(QStringLiteral("to")), &request.target);
+    request.digitBits = parseRadix(parser);
     return request;
 }
 
@@ -172,6 +241,34 @@ void printRawPattern(CFixedPoint& value)
     std::printf("  (val[%d] .. val[0])\n", words - 1);
 }
 
+// The mantissa as positional text with a radix point (or in scientific form),
+// sized by a length query first; the terminator is ours to add.
+void printText(const Fixed::fix& record, int digitBits)
+{
+    const int length = Fixed::fix2str2(record.val, record.bits, record.exp, nullptr, digitBits, 1, 0, 0, 1);
+    std::vector<char> text(static_cast<size_t>(length > 0 ? length : 0) + 1, '\0');
+    if (length > 0)
+        Fixed::fix2str2(record.val, record.bits, record.exp, &text[static_cast<size_t>(length) - 1],
+                        digitBits, 1, 0, 0, 0);
+    char label[16];
+    std::snprintf(label, sizeof label, "radix %d:", 1 << digitBits);
+    std::printf("%-12s%s\n", label, text.data());
+}
+
+// The value's format, the value, its raw pattern, its text and its distance from what
+// it was made from (the input, or the quantised value for --to); returns the
+// value.
+double printValue(const char* label, CFixedPoint& value, double origin, int digitBits)
+{
+    const double quantised = static_cast<double>(value);
+    printFormat(value.GetValue());
+    std::printf("%s%.17g\n", label, quantised);
+    printRawPattern(value);
+    printText(value.GetValue(), digitBits);
+    std::printf("error:      %.17g\n", quantised - origin);
+    return quantised;
+}
+
 }  // namespace
 
 int main(int argc, char** argv)
@@ -182,11 +279,13 @@ int main(int argc, char** argv)
     const Format& format = request.format;
     CFixedPoint value(request.value, format.intBits, format.fracBits, format.sign, format.round,
                       format.wrap, request.warn, request.maxValue);
-    const double quantised = static_cast<double>(value);
     std::printf("input:      %.17g\n", request.value);
-    printFormat(value.GetValue());
-    std::printf("quantised:  %.17g\n", quantised);
-    printRawPattern(value);
-    std::printf("error:      %.17g\n", quantised - request.value);
+    const double quantised = printValue("quantised:  ", value, request.value, request.digitBits);
+    if (request.reformat) {
+        const Format& target = request.target;
+        CFixedPoint converted(value, target.intBits, target.fracBits, target.sign, target.round,
+                              target.wrap);
+        printValue("converted:  ", converted, quantised, request.digitBits);
+    }
     return 0;
 }

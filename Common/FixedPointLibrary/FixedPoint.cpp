@@ -99,6 +99,17 @@ CFixedPoint::CFixedPoint(const unsigned int& msb, const unsigned int& lsb, int p
     m_pValue = record.release();
 }
 
+CFixedPoint::CFixedPoint(const CFixedPoint& other, int preDecimalBits, int fractionBits,
+                         CFixedPoint::SIGN sign, CFixedPoint::ROUND round, CFixedPoint::WRAP wrap)
+    : m_pValue(nullptr)
+{
+    // Converted before the record is allocated: a report that throws leaves
+    // nothing behind.
+    const Fixed::fix converted =
+        Fixed::fixedformat(other.GetValue(), preDecimalBits, fractionBits, sign, round, wrap);
+    m_pValue = new Fixed::fix(converted);
+}
+
 CFixedPoint& CFixedPoint::operator=(const CFixedPoint& other)
 {
     *m_pValue = other.GetValue();

@@ -10,13 +10,6 @@
 namespace Fixed {
 namespace {
 
-// Flags are valid as 0 or 1 only; the comparison is unsigned so that
-// negative values are invalid too.
-bool isInvalidFlag(int flag)
-{
-    return static_cast<uint32_t>(flag) > 1u;
-}
-
 bool sameWidthAndExponent(const fixed& a, const fixed& b)
 {
     return a.bits == b.bits && a.exp == b.exp;
@@ -25,6 +18,24 @@ bool sameWidthAndExponent(const fixed& a, const fixed& b)
 bool sameFormat(const fixed& a, const fixed& b)
 {
     return sameWidthAndExponent(a, b) && a.sign == b.sign;
+}
+
+// A carry or borrow chain over the words of a's width, in a's format: the
+// shared body of addition and subtraction. A format mismatch is reported once
+// and the raw words are combined anyway. val[0] is always combined, even for
+// a width below 1, and no word beyond val[4] is touched whatever a.bits says.
+// The carry or borrow out of the top word is dropped: the result wraps at the
+// format's width.
+using WordChain = int (*)(int32_t*, const int32_t*, const int32_t*, int);
+
+fixed combineWordwise(fixed a, const fixed& b, const char* function, const char* mismatch,
+                      WordChain chain)
+{
+    if (!sameFormat(a, b))
+        FIXED_REPORT(function, mismatch);
+    const int nw = recordWordCount(a.bits);
+    chain(a.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return a;
 }
 
 }  // namespace
@@ -38,7 +49,9 @@ fixed double2fixed(double value, int intbits, int fracbits, int sign, int round,
     if (isInvalidFlag(wrap))
         FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
 
-    fixed result;
+    // Words above the width carry nothing; they are zeroed so that records
+    // built here compare and copy deterministically.
+    fixed result = {};
     result.sign = sign;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
@@ -72,22 +85,12 @@ fixed fixedshift(fixed f, int n)
 
 fixed fixedadd(fixed a, fixed b)
 {
-    if (!sameFormat(a, b))
-        FIXED_REPORT(signature::fixedadd, message::fixedaddFormat);
-    // val[0] is always summed, even for a width below 1; no word beyond
-    // val[4] is touched whatever a.bits says.
-    const int nw = recordWordCount(a.bits);
-    fixadd(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    return combineWordwise(a, b, signature::fixedadd, message::fixedaddFormat, fixadd);
 }
 
 fixed fixedsub(fixed a, fixed b)
 {
-    if (!sameFormat(a, b))
-        FIXED_REPORT(signature::fixedsub, message::fixedsubFormat);
-    const int nw = recordWordCount(a.bits);
-    fixsub(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    return combineWordwise(a, b, signature::fixedsub, message::fixedsubFormat, fixsub);
 }
 
 }  // namespace Fixed

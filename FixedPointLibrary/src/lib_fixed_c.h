@@ -4,9 +4,16 @@
 #ifndef FIXEDPOINT_LIB_FIXED_C_H
 #define FIXEDPOINT_LIB_FIXED_C_H
 
+#include <cstdint>
+
 #include "FixedPoint.h"
 
 namespace Fixed {
+
+/// Signedness, rounding and overflow flags are valid as 0 or 1 only. The
+/// comparison is unsigned so that negative values are invalid too; the
+/// operations report an invalid flag and then pass it on unchanged.
+inline bool isInvalidFlag(int flag) { return static_cast<uint32_t>(flag) > 1u; }
 
 /// A record of intbits + fracbits bits and exp = -fracbits holding value,
 /// floored or rounded to nearest (ties up), saturated or wrapped.

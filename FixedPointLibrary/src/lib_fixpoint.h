@@ -41,6 +41,18 @@ constexpr int recordWordCount(int bits)
     return bits < 1 ? 0 : (bits > maxBits ? maxWords : wordCount(bits));
 }
 
+/// Whether a width names a mantissa a record can hold (1..160 bits).
+constexpr bool isMantissaWidth(int64_t bits) { return bits >= 1 && bits <= maxBits; }
+
+/// A shift between two formats (a difference of widths and exponents,
+/// computed in 64 bits) clamped to +-1024 bits. With at most 160 bits on
+/// either side every bit of a longer shift is sign extension or lost, so the
+/// clamp changes no result and keeps later sums clear of int overflow.
+constexpr int clampedShift(int64_t shift)
+{
+    return static_cast<int>(shift < -1024 ? -1024 : (shift > 1024 ? 1024 : shift));
+}
+
 /// 32-bit two's complement addition without signed overflow.
 constexpr int32_t wrappingAdd(int32_t a, int32_t b)
 {
@@ -76,6 +88,9 @@ double fix2float(const int32_t* words, int bits, int sign);
 int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap);
 
 // ---- Format conversion kernels (destination words cleared on entry) -----
+// Each kernel reads only the source bits its arguments imply (for the ones
+// not given the source width: the kept bits and the rounding bit below
+// them); a call implying more than 160 source or result bits writes nothing.
 
 /// More integer bits, every source bit kept: sign fill and shifted copy.
 void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign);
@@ -89,13 +104,17 @@ uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k,
 uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
                         int wrap);
 /// Word-array form of the whole conversion; returns 1 when it saturated.
+/// Source pad bits take no part; widths outside 1..160 touch no word and
+/// return 0.
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
                    int dstexp, int sign, int round, int wrap);
 
 // ---- Multiplication -------------------------------------------------------
 
 /// out[0..nx+ny-1] = x * y (two's complement where sx / sy are set); out
-/// must be zero on entry. Carry counters are taken from the heap and released.
+/// must be zero on entry. Carry counters are taken from the heap and released;
+/// if they cannot be had, out is left all zero. nout (nx + ny - 1 or nx + ny)
+/// bounds the carry pass; no word beyond out[nx + ny - 1] is written.
 void fixmult(int32_t* out, const int32_t* x, const int32_t* y, int nx, int ny, int nout, int sx,
              int sy);
 
@@ -122,11 +141,14 @@ int fixbitcount(const int32_t* x, int n);
 
 /// The whole mantissa as digits of digitbits bits, then "*2^exp" when exp is
 /// nonzero; written backward ending at str, step apart. Returns the length;
-/// with query nonzero writes nothing and returns the same length.
+/// with query nonzero writes nothing and returns the same length. A digit
+/// width outside 1..4 is reported and gives the empty text (0, nothing
+/// written); a width below 1 gives the exponent part only.
 int fix2str1(const int32_t* words, int bits, int exp, char* str, int digitbits, int step, int align,
              int lower, int query);
 /// Positional text with a radix point, or scientific form with one integer
-/// bit and "*2^e"; same conventions as fix2str1.
+/// bit and "*2^e"; same conventions as fix2str1, except that a width below 1
+/// gives the digit "0" followed by the exponent part when exp is nonzero.
 int fix2str2(const int32_t* words, int bits, int exp, char* str, int digitbits, int step, int align,
              int lower, int query);
 

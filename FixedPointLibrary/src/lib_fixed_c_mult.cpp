@@ -1,0 +1,40 @@
+// Record multiplication: the exact product in the summed format.
+#include "lib_fixed_c.h"
+
+#include "fixed_report.h"
+#include "lib_fixpoint.h"
+
+namespace Fixed {
+
+fixed fixedmult(fixed a, fixed b)
+{
+    fixed result;
+    result.bits = wrappingAdd(a.bits, b.bits);
+    result.exp = wrappingAdd(a.exp, b.exp);
+    result.sign = (a.sign != 0 || b.sign != 0) ? 1 : 0;
+    for (int32_t& word : result.val)
+        word = 0;
+    if (result.bits > maxBits) {
+        FIXED_REPORT(signature::fixedmult, message::fixedmultWidth);
+        // Five words cannot hold the product: the record reads as zero rather
+        // than as some truncated part of it.
+        return result;
+    }
+    // Factors whose width lies outside 1..160 count as holding no words; a
+    // summed width within 160 then keeps nwA + nwB within the six scratch words.
+    const int nwA = recordWordCount(a.bits);
+    const int nwB = recordWordCount(b.bits);
+    const int nwR = recordWordCount(result.bits);
+    if (nwA < 1 || nwB < 1 || nwA + nwB < nwR || nwA + nwB > nwR + 1)
+        return result;
+    int32_t scratch[maxWords + 1] = {0, 0, 0, 0, 0, 0};
+    fixmult(scratch, a.val, b.val, nwA, nwB, nwR, a.sign, b.sign);
+    // The word product carries the factors' pad bits; when they add up to a
+    // whole word, its lowest word is that pad and is dropped.
+    const int first = nwA + nwB - nwR;
+    for (int i = 0; i < nwR; ++i)
+        result.val[i] = scratch[first + i];
+    return result;
+}
+
+}  // namespace Fixed
