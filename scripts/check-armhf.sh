@@ -24,21 +24,31 @@ packages=(
     libselinux1 qt5-qmake libgtest-dev libgmp-dev libgmp10 libgmpxx4ldbl
 )
 
+# One armhf index may fail to download; the packages needed here are listed
+# in the others, so a partial update is good enough.
+refresh_indexes() {
+    "${sudo_cmd[@]}" apt-get update -qq || true
+}
+
+download_debs() {
+    (cd "$deps/debs" && apt-get download -qq "${packages[@]/%/:armhf}")
+}
+
 prepare_sysroot() {
     # The marker records the package list, so that a changed list refills.
     local marker="$sysroot/.packages"
     [ -f "$marker" ] && [ "$(cat "$marker")" = "${packages[*]}" ] && return 0
     echo "== armhf: preparing $sysroot"
+    sudo_cmd=()
+    [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
     if ! dpkg --print-foreign-architectures | grep -qx armhf; then
-        sudo_cmd=()
-        [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
         "${sudo_cmd[@]}" dpkg --add-architecture armhf
-        # One armhf index may fail to download; the packages needed here
-        # are listed in the others.
-        "${sudo_cmd[@]}" apt-get update -qq || true
+        refresh_indexes
     fi
+    rm -rf "$deps/debs"
     mkdir -p "$deps/debs"
-    (cd "$deps/debs" && apt-get download -qq "${packages[@]/%/:armhf}")
+    # Stale indexes name files the mirror no longer has: refresh once, retry.
+    download_debs || { refresh_indexes; download_debs; }
     rm -rf "$sysroot"
     mkdir -p "$sysroot"
     for deb in "$deps"/debs/*.deb; do
@@ -50,7 +60,8 @@ prepare_sysroot() {
 # Qt's CMake files expect moc, rcc and qmake beside the armhf libraries; the
 # host's build tools (same Qt version) do the job.
 link_host_qt_tools() {
-    local host_bin=/usr/lib/x86_64-linux-gnu/qt5/bin target_bin tool
+    local host_bin target_bin tool
+    host_bin=/usr/lib/$(g++ -print-multiarch)/qt5/bin
     for target_bin in "$sysroot/usr/lib/qt5/bin" "$sysroot/usr/lib/arm-linux-gnueabihf/qt5/bin"; do
         mkdir -p "$target_bin"
         for tool in "$host_bin"/*; do
