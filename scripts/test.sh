@@ -1,9 +1,11 @@
 #!/usr/bin/env bash
 # Builds everything warning-free (-Werror) and runs the whole test suite, then
-# runs it again under AddressSanitizer and UndefinedBehaviorSanitizer, runs the
-# concurrency test under ThreadSanitizer, the suite under Valgrind memcheck
-# (Release build) and every fuzz target for a short smoke run (FUZZ_SECONDS,
-# default 20 s each; scripts/fuzz.sh runs them longer by hand).
+# runs it again under AddressSanitizer and UndefinedBehaviorSanitizer; then
+# checks the installed package, the Qt 6 build and the 32-bit ARM build (under
+# qemu-arm), runs the concurrency test under ThreadSanitizer, the suite under
+# Valgrind memcheck (Release build) and every fuzz target for a short smoke run
+# (FUZZ_SECONDS, default 20 s each; scripts/fuzz.sh runs them longer by hand).
+# Prints each stage's time at the end.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 scripts/install-deps.sh clang libclang-rt-14-dev valgrind
@@ -19,14 +21,19 @@ run_suite() {
     ctest --test-dir "$dir" --output-on-failure -j"$jobs"
 }
 
+timings=()
 stage() {
-    local start=$SECONDS
+    local name=$1 start=$SECONDS
+    shift
     "$@"
-    echo "== ${*:1:2}: $((SECONDS - start)) s"
+    timings+=("$(printf '%-12s %4ds' "$name" $((SECONDS - start)))")
 }
 
-stage run_suite build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
-stage run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DFIXEDPOINT_SANITIZE=address,undefined
+stage tests run_suite build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
+stage sanitizers run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DFIXEDPOINT_SANITIZE=address,undefined
+stage install scripts/check-install.sh
+stage qt6 scripts/check-qt6.sh
+stage armhf scripts/check-armhf.sh
 
 tsan_stage() {
     echo "== build-tsan: concurrency test under ThreadSanitizer"
@@ -46,7 +53,9 @@ valgrind_stage() {
         build-valgrind/tests/fixedpoint_tests --gtest_brief=1
 }
 
-stage tsan_stage
-stage valgrind_stage
-echo "== fuzz smoke"
-stage scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
+stage threads tsan_stage
+stage valgrind valgrind_stage
+stage fuzz scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
+
+echo "== stage times"
+printf '%s\n' "${timings[@]}"

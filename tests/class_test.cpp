@@ -1,20 +1,15 @@
-// CFixedPoint: ownership, conversions, construction from doubles and the
-// range warning.
+// CFixedPoint: ownership, the range test, raw words, reformatting, += and
+// reports that throw.
 #include <gtest/gtest.h>
 
 #include <cmath>
 #include <cstring>
+#include <random>
 
 #include "FixedPoint.h"
 #include "report_recorder.h"
 
 namespace {
-
-const char* const constructorSignature =
-    "CFixedPoint::CFixedPoint(const double&, int, int, CFixedPoint::SIGN, CFixedPoint::ROUND, "
-    "CFixedPoint::WRAP, bool, CFixedPoint::MAXVALUE)";
-const char* const double2fixedSignature =
-    "Fixed::fixed Fixed::double2fixed(double, int, int, int, int, int)";
 
 bool sameWords(const Fixed::fix& a, const Fixed::fix& b)
 {
@@ -25,12 +20,6 @@ CFixedPoint signed4dot12(double value, bool warn = true)
 {
     return CFixedPoint(value, 4, 12, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_NEAREST,
                        CFixedPoint::WRAP_SATURATE, warn, CFixedPoint::MAXVALUE_2N_MINUS_1);
-}
-
-std::string rangeWarning(const char* count, const char* value)
-{
-    return std::string("Not enough predecimal bits (") + count +
-           ")  for fixed point conversion of value " + value + ". The value will be limited.";
 }
 
 class ClassTest : public ReportingTest {};
@@ -52,127 +41,40 @@ TEST_F(ClassTest, OwnsADeepCopyOfItsRecord)
     EXPECT_TRUE(sameWords(a.GetValue(), record));
     assigned = assigned;  // self-assignment keeps the value
     EXPECT_EQ(static_cast<double>(assigned), 2 * 6963 / 4096.0);
+    CFixedPoint shifted = a << -3;  // scales, leaves a alone
+    EXPECT_EQ(static_cast<double>(shifted), 6963 / 32768.0);
+    EXPECT_TRUE(sameWords(a.GetValue(), record));
     expectNoReports();
-}
-
-TEST_F(ClassTest, ConvertsToDoubleUnderItsSignedness)
-{
-    struct Case {
-        uint32_t word;
-        int sign;
-        double value;
-    };
-    const Case cases[] = {
-        {0x1B330000, 1, 1.699951171875},   {0x1B330000, 0, 1.699951171875},
-        {0xE4CD0000, 1, -1.699951171875},  {0xE4CD0000, 0, 14.300048828125},
-        {0xE4CD0000, 2, -1.699951171875},  // any nonzero sign counts as signed
-    };
-    for (const Case& c : cases) {
-        SCOPED_TRACE(c.word);
-        CFixedPoint x(Fixed::fix{16, -12, c.sign, {static_cast<int32_t>(c.word), 0, 0, 0, 0}});
-        EXPECT_EQ(static_cast<double>(x), c.value);
-    }
-}
-
-TEST_F(ClassTest, ShiftScalesByPowersOfTwoWithoutChangingTheObject)
-{
-    CFixedPoint x = signed4dot12(1.7);
-    const Fixed::fix before = x.GetValue();
-    for (int n : {3, -3, 0, 40}) {
-        SCOPED_TRACE(n);
-        CFixedPoint shifted = x << n;
-        const Fixed::fix after = shifted.GetValue();
-        EXPECT_EQ(after.exp, before.exp + n);
-        EXPECT_EQ(std::memcmp(after.val, before.val, sizeof after.val), 0);
-        EXPECT_EQ(static_cast<double>(shifted), std::ldexp(1.699951171875, n));
-    }
-    EXPECT_TRUE(sameWords(x.GetValue(), before));
 }
 
 TEST_F(ClassTest, PreDecimalSufficientTestsTheFloor)
 {
-    using C = CFixedPoint;
-    struct Case {
-        double value;
-        int bits;
-        C::SIGN sign;
-        C::MAXVALUE max;
-        bool fits;
-    };
+    const auto S = CFixedPoint::SIGN_SIGNED, U = CFixedPoint::SIGN_UNSIGNED, U2 = static_cast<CFixedPoint::SIGN>(2);
+    const auto M1 = CFixedPoint::MAXVALUE_2N_MINUS_1, M = CFixedPoint::MAXVALUE_2N;
+    struct Case { double value; int bits; CFixedPoint::SIGN sign; CFixedPoint::MAXVALUE max; bool fits; };
     const Case cases[] = {
-        {7.999, 4, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {8.0, 4, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {-8.0, 4, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {-8.0001, 4, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {8.5, 4, C::SIGN_SIGNED, C::MAXVALUE_2N, true},
-        {9.0, 4, C::SIGN_SIGNED, C::MAXVALUE_2N, false},
-        {-8.0001, 4, C::SIGN_SIGNED, C::MAXVALUE_2N, false},
-        {15.9, 4, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {16.0, 4, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {16.5, 4, C::SIGN_UNSIGNED, C::MAXVALUE_2N, true},
-        {-0.25, 4, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {-0.25, 4, C::SIGN_UNSIGNED, C::MAXVALUE_2N, false},
-        {0.0, 4, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {1.0, 1, C::SIGN_SIGNED, C::MAXVALUE_2N, true},
-        {1.0, 1, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {-1.0, 4, static_cast<C::SIGN>(2), C::MAXVALUE_2N, false},  // sign 2 counts as unsigned
-        {15.5, 4, static_cast<C::SIGN>(2), C::MAXVALUE_2N_MINUS_1, true},
-        {16.0, 4, C::SIGN_UNSIGNED, static_cast<C::MAXVALUE>(2), true},
+        {7.999, 4, S, M1, true},    {8.0, 4, S, M1, false},     {-8.0, 4, S, M1, true},
+        {-8.0001, 4, S, M1, false}, {8.5, 4, S, M, true},       {9.0, 4, S, M, false},
+        {-8.0001, 4, S, M, false},  {15.9, 4, U, M1, true},     {16.0, 4, U, M1, false},
+        {16.5, 4, U, M, true},      {-0.25, 4, U, M1, false},   {-0.25, 4, U, M, false},
+        {0.0, 4, U, M1, true},      {1.0, 1, S, M, true},       {1.0, 1, S, M1, false},
+        {-1.0, 4, U2, M, false},    {15.5, 4, U2, M1, true},    // sign 2 counts as unsigned
+        {16.0, 4, U, static_cast<CFixedPoint::MAXVALUE>(2), true},
         // 62 and 63 magnitude bits: the bounds 2^62 and 2^63 themselves.
-        {std::ldexp(1.0, 62) - 1024, 63, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {std::ldexp(1.0, 62), 63, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {std::ldexp(1.0, 62), 63, C::SIGN_SIGNED, C::MAXVALUE_2N, true},
-        {-std::ldexp(1.0, 63), 64, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {std::ldexp(1.0, 63), 64, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {std::ldexp(1.0, 70), 100, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {1e300, 100, C::SIGN_UNSIGNED, C::MAXVALUE_2N, false},
-        {std::nan(""), 100, C::SIGN_SIGNED, C::MAXVALUE_2N, false},
+        {std::ldexp(1.0, 62) - 1024, 63, S, M1, true}, {std::ldexp(1.0, 62), 63, S, M1, false},
+        {std::ldexp(1.0, 62), 63, S, M, true},         {-std::ldexp(1.0, 63), 64, S, M1, true},
+        {std::ldexp(1.0, 63), 64, S, M1, false},       {std::ldexp(1.0, 70), 100, U, M1, true},
+        {1e300, 100, U, M, false},  {std::nan(""), 100, S, M, false},
         // No magnitude bits or fewer: only what floors into [-P, P - 1] or
         // [-P, P] with a fractional P.
-        {0.5, 0, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, true},
-        {1.0, 0, C::SIGN_UNSIGNED, C::MAXVALUE_2N_MINUS_1, false},
-        {0.5, 0, C::SIGN_UNSIGNED, C::MAXVALUE_2N, true},
-        {0.5, 0, C::SIGN_SIGNED, C::MAXVALUE_2N, true},
-        {-0.5, 0, C::SIGN_SIGNED, C::MAXVALUE_2N, false},
-        {0.5, -5, C::SIGN_SIGNED, C::MAXVALUE_2N_MINUS_1, false},
+        {0.5, 0, U, M1, true},      {1.0, 0, U, M1, false},     {0.5, 0, U, M, true},
+        {0.5, 0, S, M, true},       {-0.5, 0, S, M, false},     {0.5, -5, S, M1, false},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.value << " in " << c.bits << " bits, sign " << c.sign
                                         << " max " << c.max);
         EXPECT_EQ(CFixedPoint::PreDecimalSufficient(c.value, c.bits, c.sign, c.max), c.fits);
     }
-}
-
-TEST_F(ClassTest, RangeWarningTextAndOrder)
-{
-    CFixedPoint fits = signed4dot12(1.7);
-    EXPECT_EQ(fits.GetValue().val[0], 0x1B330000);
-    expectNoReports();
-
-    CFixedPoint saturated = signed4dot12(20.0);
-    EXPECT_EQ(static_cast<double>(saturated), 7.999755859375);
-    expectReports({{constructorSignature, rangeWarning("4", "20")}});
-
-    CFixedPoint silent = signed4dot12(20.0, false);
-    EXPECT_TRUE(sameWords(silent.GetValue(), saturated.GetValue()));
-    expectNoReports();
-
-    // Doubles are streamed with six significant digits.
-    CFixedPoint big(1234567.0, 8, 0, CFixedPoint::SIGN_UNSIGNED, CFixedPoint::ROUND_FLOOR,
-                    CFixedPoint::WRAP_AROUND, true, CFixedPoint::MAXVALUE_2N);
-    CFixedPoint quarter(17.25, 4, 2, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_FLOOR,
-                        CFixedPoint::WRAP_SATURATE, true, CFixedPoint::MAXVALUE_2N);
-    CFixedPoint tiny(-0.0001234, 0, 20, CFixedPoint::SIGN_UNSIGNED, CFixedPoint::ROUND_FLOOR,
-                     CFixedPoint::WRAP_SATURATE, true, CFixedPoint::MAXVALUE_2N);
-    expectReports({{constructorSignature, rangeWarning("8", "1.23457e+06")},
-                   {constructorSignature, rangeWarning("4", "17.25")},
-                   {constructorSignature, rangeWarning("0", "-0.0001234")}});
-
-    // The warning follows the conversion's own reports.
-    CFixedPoint both(99.0, 4, 4, static_cast<CFixedPoint::SIGN>(3), CFixedPoint::ROUND_FLOOR,
-                     CFixedPoint::WRAP_SATURATE, true, CFixedPoint::MAXVALUE_2N_MINUS_1);
-    expectReports({{double2fixedSignature, "C error: illegal value for 'double2fixed' (Vorz)."},
-                   {constructorSignature, rangeWarning("4", "99")}});
 }
 
 TEST_F(ClassTest, AThrowingReportLeavesNoObjectBehind)
@@ -192,7 +94,61 @@ TEST_F(ClassTest, AThrowingReportLeavesNoObjectBehind)
     throwOnReports(1);
     EXPECT_THROW(sum += other, ReportFailure);
     EXPECT_TRUE(sameWords(sum.GetValue(), before));
+    throwOnReports(1);  // the reformat constructor's width report
+    EXPECT_THROW(CFixedPoint(sum, 100, 100, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_FLOOR, CFixedPoint::WRAP_SATURATE),
+                 ReportFailure);
     clearRecordedReports();
+}
+
+TEST_F(ClassTest, ReformatsAndAccumulatesInPlace)
+{
+    const CFixedPoint source = signed4dot12(1.7);
+    const Fixed::fix before = source.GetValue();
+    CFixedPoint nearest(source, 8, 4, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_NEAREST,
+                              CFixedPoint::WRAP_SATURATE);
+    const Fixed::fix r = nearest.GetValue();
+    EXPECT_EQ(std::to_string(r.bits) + " " + std::to_string(r.exp) + " " + std::to_string(r.sign), "12 -4 1");
+    EXPECT_EQ(static_cast<uint32_t>(r.val[0]), 27u << 20);
+    EXPECT_TRUE(sameWords(source.GetValue(), before));
+
+    CFixedPoint a(Fixed::fix{12, -4, 1, {0x02400000, 0, 0, 0, 0}});  // 2.25
+    const CFixedPoint b(Fixed::fix{12, -4, 1, {static_cast<int32_t>(0xFF800000), 0, 0, 0, 0}});  // -0.5
+    EXPECT_EQ(&(a += b), &a);
+    EXPECT_EQ(static_cast<double>(a), 1.75);
+    a += a;
+    EXPECT_EQ(static_cast<double>(a), 3.5);
+    expectNoReports();
+}
+
+TEST_F(ClassTest, RawWordsRoundTripThroughTheMantissa)
+{
+    const auto S = CFixedPoint::SIGN_SIGNED, U = CFixedPoint::SIGN_UNSIGNED;
+    struct Case { uint32_t msb, lsb; int intBits, fracBits; CFixedPoint::SIGN sign; double value; uint64_t pattern; };
+    const Case cases[] = {
+        {0, 0xE80, 4, 8, S, -1.5, 0xE80}, {0xFFFFFFFF, 0xFFFFFFFF, 64, 0, S, -1.0, 0xFFFFFFFFFFFFFFFF},
+        {0xFFFFFFFF, 0xFFFFFFFF, 64, 0, U, 18446744073709551616.0, 0xFFFFFFFFFFFFFFFF},  // 2^64 saturates
+        {0, 0x1FFF, 12, 0, U, 4095.0, 0xFFF},  // a bit above the width saturates
+        {0x08000000, 0x00000001, 60, 0, U, 576460752303423488.0, 0x800000000000000},  // 53 bits kept
+        {0, 1, 1, 0, S, -1.0, 1}, {0, 0x7F, 12, -4, S, 2032.0, 0x7F},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << std::hex << c.msb << ":" << c.lsb << std::dec << " as " << c.intBits << "."
+                                        << c.fracBits << " sign " << c.sign);
+        CFixedPoint x(c.msb, c.lsb, c.intBits, c.fracBits, c.sign);
+        EXPECT_EQ(static_cast<double>(x), c.value);
+        EXPECT_EQ(x.GetValueAs_uint64_t(), c.pattern);
+        EXPECT_EQ(static_cast<unsigned long long>(x), c.pattern);
+        EXPECT_EQ((uint64_t{x.MSB()} << 32) | x.LSB(), c.pattern);
+    }
+    std::mt19937_64 random(99);
+    for (int trial = 0; trial < 5000; ++trial) {
+        const int bits = static_cast<int>(random() % 53) + 1;
+        const uint64_t pattern = random() & ((uint64_t{1} << bits) - 1);
+        const auto sign = static_cast<CFixedPoint::SIGN>(random() % 2);
+        CFixedPoint x(static_cast<unsigned>(pattern >> 32), static_cast<unsigned>(pattern), bits, 0, sign);
+        ASSERT_EQ(x.GetValueAs_uint64_t(), pattern) << bits << " bits, sign " << sign;
+    }
+    expectNoReports();
 }
 
 }  // namespace

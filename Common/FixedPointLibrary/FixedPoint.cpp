@@ -67,8 +67,10 @@ CFixedPoint::CFixedPoint(const double& value, int preDecimalBits, int fractionBi
                          bool warn, CFixedPoint::MAXVALUE maxValue)
     : m_pValue(nullptr)
 {
-    RecordHolder record =
-        allocateRecord(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap));
+    // The conversion's result is built directly in the heap record (no
+    // temporary to copy); the record is released again if a report throws.
+    RecordHolder record(
+        new Fixed::fix(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap)));
     if (warn && !PreDecimalSufficient(value, preDecimalBits, sign, maxValue)) {
         FIXED_REPORT(Fixed::signature::constructFromDouble, Fixed::message::predecimalBefore,
                      preDecimalBits, Fixed::message::predecimalMiddle, value,
@@ -103,11 +105,10 @@ CFixedPoint::CFixedPoint(const CFixedPoint& other, int preDecimalBits, int fract
                          CFixedPoint::SIGN sign, CFixedPoint::ROUND round, CFixedPoint::WRAP wrap)
     : m_pValue(nullptr)
 {
-    // Converted before the record is allocated: a report that throws leaves
-    // nothing behind.
-    const Fixed::fix converted =
-        Fixed::fixedformat(other.GetValue(), preDecimalBits, fractionBits, sign, round, wrap);
-    m_pValue = new Fixed::fix(converted);
+    // The conversion's result is built directly in the heap record (no
+    // temporary to copy); a report that throws releases the record again.
+    m_pValue = new Fixed::fix(
+        Fixed::fixedformat(*other.m_pValue, preDecimalBits, fractionBits, sign, round, wrap));
 }
 
 CFixedPoint& CFixedPoint::operator=(const CFixedPoint& other)
@@ -153,7 +154,7 @@ bool CFixedPoint::PreDecimalSufficient(const double& value, int preDecimalBits,
     const int64_t magnitudeBits = int64_t{preDecimalBits} - (isSigned ? 1 : 0);
     const int exponent = static_cast<int>(
         magnitudeBits < -2000 ? -2000 : (magnitudeBits > 2000 ? 2000 : magnitudeBits));
-    const double p = std::ldexp(1.0, exponent);
+    const double p = Fixed::powerOfTwo(exponent);
     const double lower = isSigned ? -p : 0.0;
     if (floored < lower)
         return false;

@@ -20,27 +20,43 @@ bool sameFormat(const fixed& a, const fixed& b)
     return sameWidthAndExponent(a, b) && a.sign == b.sign;
 }
 
+// The words of a record with a valid width: value x 2^fracbits quantised
+// (2^fracbits rather than 2^-exp, whose negation could overflow for the most
+// negative fracbits).
+inline void quantiseInto(fixed& result, double value, int fracbits, int sign, int round, int wrap)
+{
+    const double scaled = powerOfTwo(fracbits) * value;
+    float2fix(scaled, result.bits, result.val, sign, round, wrap);
+}
+
 // A carry or borrow chain over the words of a's width, in a's format: the
 // shared body of addition and subtraction. A format mismatch is reported once
 // and the raw words are combined anyway. val[0] is always combined, even for
 // a width below 1, and no word beyond val[4] is touched whatever a.bits says.
 // The carry or borrow out of the top word is dropped: the result wraps at the
 // format's width.
+//
+// The result is a named local rather than the modified parameter: the local
+// is built in the caller's result slot, while a parameter would be copied out
+// with wide loads right after the chain's narrow word stores, which the
+// processor cannot forward.
 using WordChain = int (*)(int32_t*, const int32_t*, const int32_t*, int);
 
-fixed combineWordwise(fixed a, const fixed& b, const char* function, const char* mismatch,
+fixed combineWordwise(const fixed& a, const fixed& b, const char* function, const char* mismatch,
                       WordChain chain)
 {
     if (!sameFormat(a, b))
         FIXED_REPORT(function, mismatch);
     const int nw = recordWordCount(a.bits);
-    chain(a.val, a.val, b.val, nw < 1 ? 1 : nw);
-    return a;
+    fixed result = a;
+    chain(result.val, a.val, b.val, nw < 1 ? 1 : nw);
+    return result;
 }
 
-}  // namespace
-
-fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+// double2fixed with something to report, out of line: composing a text needs
+// a large frame that the common conversion should not set up on every call.
+[[gnu::noinline]] void reportAndQuantise(fixed& result, double value, int fracbits, int sign,
+                                         int round, int wrap)
 {
     if (isInvalidFlag(sign))
         FIXED_REPORT(signature::double2fixed, message::double2fixedSign);
@@ -48,25 +64,31 @@ fixed double2fixed(double value, int intbits, int fracbits, int sign, int round,
         FIXED_REPORT(signature::double2fixed, message::double2fixedRound);
     if (isInvalidFlag(wrap))
         FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
-
-    // Words above the width carry nothing; they are zeroed so that records
-    // built here compare and copy deterministically.
-    fixed result = {};
-    result.sign = sign;
-    result.bits = wrappingAdd(intbits, fracbits);
-    result.exp = wrappingNegate(fracbits);
     if (result.bits > maxBits) {
         FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
         // The five words cannot hold the mantissa: they are cleared instead,
         // so the record reads as zero and nothing is written beyond val[4].
         for (int32_t& word : result.val)
             word = 0;
-        return result;
+        return;
     }
-    // value x 2^fracbits (that is 2^-exp without negating exp, which could
-    // overflow for the most negative fracbits).
-    const double scaled = powerOfTwo(fracbits) * value;
-    float2fix(scaled, result.bits, result.val, sign, round, wrap);
+    quantiseInto(result, value, fracbits, sign, round, wrap);
+}
+
+}  // namespace
+
+fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+{
+    // Words above the width carry nothing; they are zeroed so that records
+    // built here compare and copy deterministically.
+    fixed result = {};
+    result.sign = sign;
+    result.bits = wrappingAdd(intbits, fracbits);
+    result.exp = wrappingNegate(fracbits);
+    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || result.bits > maxBits)
+        reportAndQuantise(result, value, fracbits, sign, round, wrap);
+    else
+        quantiseInto(result, value, fracbits, sign, round, wrap);
     return result;
 }
 
@@ -77,10 +99,12 @@ double fixed2double(fixed f)
     return scale * mantissa;
 }
 
+// A named result, built in place, for the same reason as combineWordwise's.
 fixed fixedshift(fixed f, int n)
 {
-    f.exp = wrappingAdd(f.exp, n);
-    return f;
+    fixed result = f;
+    result.exp = wrappingAdd(f.exp, n);
+    return result;
 }
 
 fixed fixedadd(fixed a, fixed b)

@@ -74,6 +74,20 @@ int rowFor(int gained)
     return gained > 0 ? 0 : (gained == 0 ? 1 : 2);
 }
 
+// The argument reports, out of line: composing a text needs a large frame
+// that a valid conversion should not set up on every call.
+[[gnu::noinline]] void reportArguments(int sign, int round, int wrap, int resultBits)
+{
+    if (isInvalidFlag(sign))
+        FIXED_REPORT(signature::fixedformat, message::fixedformatSign);
+    if (isInvalidFlag(round))
+        FIXED_REPORT(signature::fixedformat, message::fixedformatRound);
+    if (isInvalidFlag(wrap))
+        FIXED_REPORT(signature::fixedformat, message::fixedformatWrap);
+    if (resultBits > maxBits)
+        FIXED_REPORT(signature::fixedformat, message::fixedformatWidth);
+}
+
 }  // namespace
 
 fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
@@ -88,18 +102,19 @@ fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int w
     result.exp = wrappingNegate(fracbits);
     result.sign = sign;
 
-    if (isInvalidFlag(sign))
-        FIXED_REPORT(signature::fixedformat, message::fixedformatSign);
-    if (isInvalidFlag(round))
-        FIXED_REPORT(signature::fixedformat, message::fixedformatRound);
-    if (isInvalidFlag(wrap))
-        FIXED_REPORT(signature::fixedformat, message::fixedformatWrap);
-    if (result.bits > maxBits)
-        FIXED_REPORT(signature::fixedformat, message::fixedformatWidth);
+    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || result.bits > maxBits)
+        reportArguments(sign, round, wrap, result.bits);
 
     // A source that breaks the record's width range has no mantissa to read;
     // a width below 1 (not reported) leaves nothing to write.
     if (!isMantissaWidth(x.bits) || !isMantissaWidth(result.bits))
+        return result;
+
+    const int gained = clampedShift(int64_t{intbits} - (int64_t{x.bits} + int64_t{x.exp}));
+    // Formats of up to 64 bits: one 64-bit integer instead of the kernels
+    // (the result words are still clear, so ORing into them is storing).
+    uint32_t saturated = 0;
+    if (fixformat64(x.val, result.val, x.bits, result.bits, gained, sign, round, wrap, saturated))
         return result;
 
     // Pad bits of the source are masked away first (only the raw two-word
@@ -108,7 +123,6 @@ fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int w
     x.val[0] = asWord(asUnsigned(x.val[0]) & highmask[x.bits % 32]);
 
     const int sourceWords = wordCount(x.bits);
-    const int gained = clampedShift(int64_t{intbits} - (int64_t{x.bits} + int64_t{x.exp}));
     const Conversion conversion{x.val + sourceWords - 1,
                                 result.val + wordCount(result.bits) - 1,
                                 x.bits,

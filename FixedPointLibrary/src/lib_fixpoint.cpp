@@ -1,7 +1,6 @@
 // Bit tables and the power-of-two helper shared by the word routines.
 #include "lib_fixpoint.h"
 
-#include <cmath>
 
 namespace Fixed {
 
@@ -27,10 +26,5 @@ const uint32_t highbit[32] = {
     0x00000008u, 0x00000004u, 0x00000002u, 0x00000001u};
 
 const uint32_t nibblecount[16] = {0, 1, 1, 2, 1, 2, 2, 3, 1, 2, 2, 3, 2, 3, 3, 4};
-
-double powerOfTwo(int n)
-{
-    return std::pow(2.0, n);
-}
 
 }  // namespace Fixed

@@ -7,6 +7,7 @@
 #define FIXEDPOINT_LIB_FIXPOINT_H
 
 #include <cstdint>
+#include <cstring>
 
 namespace Fixed {
 
@@ -72,8 +73,25 @@ constexpr uint32_t asUnsigned(int32_t word) { return static_cast<uint32_t>(word)
 constexpr int32_t asWord(uint32_t bits) { return static_cast<int32_t>(bits); }
 
 /// 2^n as a double: exact for every integer n, overflowing to infinity and
-/// underflowing to zero exactly as pow(2.0, n) does.
-double powerOfTwo(int n);
+/// underflowing to zero exactly as pow(2.0, n) does. The IEEE bits are built
+/// directly (a biased exponent for normal results, a single mantissa bit for
+/// subnormal ones), which keeps a library call off every conversion path.
+inline double powerOfTwo(int n)
+{
+    constexpr int maxNormal = 1023;
+    constexpr int minNormal = -1022;
+    constexpr int minSubnormal = -1074;
+    uint64_t pattern = 0;  // zero below the subnormals
+    if (n > maxNormal)
+        pattern = uint64_t{0x7FF} << 52;  // infinity
+    else if (n >= minNormal)
+        pattern = static_cast<uint64_t>(n + maxNormal) << 52;
+    else if (n >= minSubnormal)
+        pattern = uint64_t{1} << (n - minSubnormal);
+    double result;
+    std::memcpy(&result, &pattern, sizeof result);
+    return result;
+}
 
 // ---- Doubles in and out ---------------------------------------------------
 
@@ -82,10 +100,51 @@ double powerOfTwo(int n);
 /// rounded in sequence above. Widths outside 1..160 give 0.0.
 double fix2float(const int32_t* words, int bits, int sign);
 
+/// float2fix for every width and value, walking the words in doubles.
+int float2fixInDoubles(double value, int bits, int32_t* words, int sign, int round, int wrap);
+
 /// Quantises value (counted in LSB units) into nw = ceil(bits / 32) words:
 /// floor or nearest (ties up), then saturation or wrap-around. Returns 1 when
 /// a saturation pattern was written. Writes nothing for widths below 1.
-int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap);
+///
+/// Widths up to 64 bits with |value| below 2^51, the common case, are done
+/// here in 64-bit integers, inline in the callers: for such values every
+/// double step of the general walk is exact (the floor, the fraction that
+/// decides rounding, the wrap-around, which then keeps exactly the low bits,
+/// and the split), so the integer steps give the same words.
+inline int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+{
+    constexpr double integerPathLimit = 2251799813685248.0;  // 2^51
+    if (bits < 1 || bits > 64 || !(value > -integerPathLimit && value < integerPathLimit))
+        return float2fixInDoubles(value, bits, words, sign, round, wrap);
+    int64_t x = static_cast<int64_t>(value);  // toward zero, exact in range
+    if (static_cast<double>(x) > value)
+        --x;
+    // value - floor(value) is exact here; whole + 0.5 is too.
+    if (round != 0 && value >= static_cast<double>(x) + 0.5)
+        ++x;
+    int saturated = 0;
+    if (wrap == 0) {
+        // The saturation patterns are the left-aligned bounds. |x| <= 2^51,
+        // so bounds of more than 60 bits decide nothing more.
+        const int limitBits = bits < 60 ? bits : 60;
+        const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
+        const int64_t highest = sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1
+                                          : (int64_t{1} << limitBits) - 1;
+        saturated = x < lowest || x > highest ? 1 : 0;
+        x = x < lowest ? lowest : (x > highest ? highest : x);
+    }
+    // Left-aligned; under wrap-around the bits above the width fall off.
+    const uint64_t pattern = static_cast<uint64_t>(x);
+    if (bits <= 32) {
+        words[0] = asWord(static_cast<uint32_t>(pattern << (32 - bits)));
+    } else {
+        const uint64_t aligned = pattern << (64 - bits);
+        words[0] = asWord(static_cast<uint32_t>(aligned));
+        words[1] = asWord(static_cast<uint32_t>(aligned >> 32));
+    }
+    return saturated;
+}
 
 // ---- Format conversion kernels (destination words cleared on entry) -----
 // Each kernel reads only the source bits its arguments imply (for the ones
@@ -103,6 +162,13 @@ uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k,
 /// Fewer integer bits and fewer fractional bits.
 uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
                         int wrap);
+/// The conversion for source and destination widths of at most 64 bits whose
+/// result integer lies within the 64 bits read (no more integer bits gained
+/// than the destination's pad), on one 64-bit integer: ORs the result into
+/// dst and sets `saturated`. Every nonzero flag counts as 1. Returns false,
+/// touching nothing, for every other conversion, which the kernels handle.
+bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained, int sign,
+                 int round, int wrap, uint32_t& saturated);
 /// Word-array form of the whole conversion; returns 1 when it saturated.
 /// Source pad bits take no part; widths outside 1..160 touch no word and
 /// return 0.

@@ -257,6 +257,72 @@ uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, i
                         round, wrap);
 }
 
+bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained, int sign,
+                 int round, int wrap, uint32_t& saturated)
+{
+    // The source is read left-aligned in 64 bits; shifting it right by
+    // `shift` = (integer bits lost) + (64 - result bits) leaves the result's
+    // integer m, the bit below it is the rounding bit, and m is then
+    // saturated or wrapped and stored left-aligned. That is the conversion's
+    // numeric contract step for step, so the kernels give the same words.
+    if (srcbits < 1 || srcbits > 64 || dstbits < 1 || dstbits > 64)
+        return false;
+    const int pad = 64 - dstbits;
+    const int shift = gained + pad;  // gained is clamped to +-1024: no overflow
+    if (shift < 0)
+        return false;
+    uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | asUnsigned(src[0])
+                              : uint64_t{asUnsigned(src[0])} << 32;
+    a &= ~uint64_t{0} << (64 - srcbits);  // pad bits take no part
+    const bool negative = sign != 0 && (a >> 63) != 0;
+    // m's two's complement bits: a shifted right, sign-extended when signed.
+    uint64_t m = 0;
+    uint64_t roundingBit = 0;
+    if (shift >= 64) {
+        m = negative ? ~uint64_t{0} : 0u;
+        roundingBit = shift == 64 ? a >> 63 : (negative ? 1u : 0u);
+    } else if (shift > 0) {
+        m = negative ? ~(~a >> shift) : a >> shift;
+        roundingBit = (a >> (shift - 1)) & 1u;
+    } else {
+        m = a;
+    }
+    // Only a shift leaves room for the increment: m is then below 2^63 in
+    // magnitude. A 64-bit result therefore never leaves its range. The range
+    // is checked below on the floor (too small is decided before rounding,
+    // which only moves upward; a floor one below the minimum that rounds up
+    // to it still counts as saturated) and above after rounding.
+    const uint64_t floored = m;
+    if (round != 0)
+        m += roundingBit;
+    saturated = 0;
+    if (wrap == 0 && dstbits < 64) {
+        if (sign != 0) {
+            const int64_t highest = (int64_t{1} << (dstbits - 1)) - 1;
+            const int64_t lowest = -highest - 1;
+            const bool below = static_cast<int64_t>(floored) < lowest;
+            const bool above = !below && static_cast<int64_t>(m) > highest;
+            saturated = below || above ? 1u : 0u;
+            if (below)
+                m = static_cast<uint64_t>(lowest);
+            else if (above)
+                m = static_cast<uint64_t>(highest);
+        } else {
+            const uint64_t highest = (uint64_t{1} << dstbits) - 1u;
+            saturated = m > highest ? 1u : 0u;
+            m = m > highest ? highest : m;
+        }
+    }
+    const uint64_t aligned = m << pad;  // under wrap-around the bits above fall off
+    if (dstbits > 32) {
+        dst[0] = asWord(asUnsigned(dst[0]) | static_cast<uint32_t>(aligned));
+        dst[1] = asWord(asUnsigned(dst[1]) | static_cast<uint32_t>(aligned >> 32));
+    } else {
+        dst[0] = asWord(asUnsigned(dst[0]) | static_cast<uint32_t>(aligned >> 32));
+    }
+    return true;
+}
+
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
                    int dstexp, int sign, int round, int wrap)
 {
@@ -265,6 +331,9 @@ uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, i
         return 0u;
     const int64_t gained =
         (int64_t{dstbits} + int64_t{dstexp}) - (int64_t{srcbits} + int64_t{srcexp});
+    uint32_t saturated = 0;
+    if (fixformat64(src, dst, srcbits, dstbits, clampedShift(gained), sign, round, wrap, saturated))
+        return saturated;
     return convertWords(SourceBits(src + wordCount(srcbits) - 1, srcbits, sign),
                         Destination(dst + wordCount(dstbits) - 1, dstbits), clampedShift(gained), sign,
                         round, wrap);

@@ -49,6 +49,13 @@ int boundaryWeightedWidth(std::mt19937_64& random);
 /// A uniformly random integer in the format's range.
 mpz_class randomMantissa(std::mt19937_64& random, int bits, bool isSigned);
 
+/// Often one of the values where carries, borrows and overflows happen (the
+/// extremes, zero, one or minus one, one below the maximum), else uniform.
+mpz_class edgeWeightedMantissa(std::mt19937_64& random, int bits, bool isSigned);
+
+/// Fill value of the words around a destination: a write past it shows.
+constexpr int32_t sentinel = 0x5A5A5A5A;
+
 }  // namespace model
 
 #endif  // FIXEDPOINT_TESTS_EXACT_MODEL_H

@@ -1,0 +1,19 @@
+#!/usr/bin/env bash
+# Builds the benchmark suite in Release, runs it once and prints one table:
+# this library beside SystemC's sc_fix and a plain int32 quantiser.
+#   scripts/bench.sh [extra Google Benchmark flags]
+# BENCH_MIN_TIME (seconds per case, default 0.2) trades time for stability;
+# the raw results stay in build-bench/bench.json.
+set -euo pipefail
+cd "$(dirname "$0")/.."
+scripts/install-deps.sh libbenchmark-dev libsystemc-dev
+jobs=$(( $(nproc) < 2 ? $(nproc) : 2 ))
+
+cmake -S . -B build-bench -DCMAKE_BUILD_TYPE=Release -DFIXEDPOINT_BUILD_BENCHMARKS=ON \
+    -DFIXEDPOINT_BUILD_TESTS=OFF >/dev/null
+cmake --build build-bench -j"$jobs" --target fixedpoint_bench >/dev/null
+
+build-bench/bench/fixedpoint_bench --benchmark_min_time="${BENCH_MIN_TIME:-0.2}" \
+    --benchmark_out=build-bench/bench.json --benchmark_out_format=json "$@" >build-bench/bench.log 2>&1
+
+python3 scripts/bench_table.py build-bench/bench.json

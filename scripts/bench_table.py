@@ -1,0 +1,48 @@
+#!/usr/bin/env python3
+"""Turns the suite's JSON output into one Markdown table.
+
+Case names read "operation/implementation/label"; the implementations are
+"ours", "systemc" and "native". Times are CPU nanoseconds per operation.
+"SystemC / ours" is how many times faster this library is; "ours / native"
+how many times slower than the hand-written int32 quantiser.
+"""
+import json
+import sys
+
+
+def main(path):
+    with open(path) as handle:
+        report = json.load(handle)
+    times = {}
+    order = []
+    for case in report["benchmarks"]:
+        if case.get("run_type", "iteration") != "iteration":
+            continue
+        operation, implementation, label = case["name"].split("/")[:3]
+        scale = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}[case.get("time_unit", "ns")]
+        key = (operation, label)
+        if key not in times:
+            times[key] = {}
+            order.append(key)
+        times[key][implementation] = case["cpu_time"] * scale
+
+    def cell(value):
+        return "" if value is None else f"{value:.1f}" if value >= 10 else f"{value:.2f}"
+
+    print("| operation | width | ours (ns) | SystemC (ns) | native (ns) | SystemC / ours | ours / native |")
+    print("|---|---|---:|---:|---:|---:|---:|")
+    for operation, label in sorted(order, key=lambda k: (k[0], order.index(k))):
+        row = times[(operation, label)]
+        ours, systemc, native = row.get("ours"), row.get("systemc"), row.get("native")
+        speedup = f"{systemc / ours:.1f}x" if ours and systemc else ""
+        overhead = f"{ours / native:.1f}x" if ours and native else ""
+        print(f"| {operation} | {label} | {cell(ours)} | {cell(systemc)} | {cell(native)} "
+              f"| {speedup} | {overhead} |")
+    context = report.get("context", {})
+    print()
+    print(f"Host: {context.get('num_cpus', '?')} CPUs at {context.get('mhz_per_cpu', '?')} MHz, "
+          f"{context.get('date', '')}")
+
+
+if __name__ == "__main__":
+    main(sys.argv[1] if len(sys.argv) > 1 else "build-bench/bench.json")

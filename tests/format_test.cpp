@@ -1,0 +1,153 @@
+// fixedformat and fixformat against the exact model of re-quantisation:
+// read the source under the target signedness, shift by the exponent
+// difference, floor or round half up, saturate or reduce modulo 2^bits, lay
+// out left-aligned. Plus the exponents too far apart for any shift.
+#include <gtest/gtest.h>
+
+#include <cstring>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "exact_model.h"
+#include "lib_fixed_c.h"
+#include "lib_fixpoint.h"
+#include "report_recorder.h"
+
+namespace {
+
+using model::sentinel;
+
+// k = source exponent - result exponent. Returns the mantissa and whether a
+// saturation pattern is written: a value below the minimum that rounding
+// lifts onto it still counts, as the range check decides before rounding.
+std::pair<mpz_class, bool> requantise(const mpz_class& m, long k, int bits, bool isSigned, bool nearest, bool wrap)
+{
+    const mpz_class floored = k >= 0 ? mpz_class(m << k) : mpz_class(m >> -k);  // floor, sign-extending
+    const mpz_class rounded = floored + (k < 0 && nearest && mpz_tstbit(m.get_mpz_t(), -k - 1) ? 1 : 0);
+    if (wrap)
+        return {model::wrapInto(rounded, bits, isSigned), false};
+    const mpz_class saturated = model::saturateInto(rounded, bits, isSigned);
+    return {saturated, saturated != rounded || floored < model::minimum(bits, isSigned)};
+}
+
+// Shifts with weight on word boundaries and on several words, both ways.
+int weightedShift(std::mt19937_64& random)
+{
+    static const int shifts[] = {0, 1, 2, 31, 32, 33, 63, 64, 65, 95, 96, 97, 127, 128, 159, 160, 161};
+    if (random() % 4 == 0)
+        return static_cast<int>(random() % 4001) - 2000;
+    const int shift = shifts[random() % (sizeof shifts / sizeof shifts[0])];
+    return random() % 2 == 0 ? shift : -shift;
+}
+
+// A source pattern that often sits on the edges the conversion decides on:
+// top bits that all repeat the sign (just fitting or not), runs of ones
+// below the kept bits (rounding carries that ripple or overflow), extremes.
+mpz_class weightedPattern(std::mt19937_64& random, int bits)
+{
+    mpz_class pattern = model::randomMantissa(random, bits, false);
+    const auto setRun = [&](int top, int length, bool ones) {
+        for (int i = 0; i < length && top - i >= 0; ++i)
+            (ones ? mpz_setbit : mpz_clrbit)(pattern.get_mpz_t(), static_cast<unsigned long>(top - i));
+    };
+    const int kind = static_cast<int>(random() % 6);
+    if (kind == 1 || kind == 3)
+        setRun(bits - 1, static_cast<int>(random() % (bits + 1)), random() % 2 == 0);
+    if (kind == 2 || kind == 3)
+        setRun(static_cast<int>(random() % bits), static_cast<int>(random() % (bits + 1)), random() % 4 != 0);
+    if (kind == 5)
+        setRun(bits - 2, static_cast<int>(random() % bits), true);
+    if (kind == 4) {
+        const mpz_class extremes[] = {0, (mpz_class(1) << bits) - 1, mpz_class(1) << (bits - 1),
+                                      (mpz_class(1) << (bits - 1)) - 1};
+        return extremes[random() % 4];
+    }
+    return pattern;
+}
+
+constexpr int conversionCount = 120000;
+
+TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
+{
+    clearRecordedReports();
+    std::mt19937_64 random(20261123);
+    int saturations = 0;
+    for (int trial = 0; trial < conversionCount; ++trial) {
+        // The integer bits gained or the exponent difference is drawn from
+        // the weighted shifts (or the integer bits stay nearly the same); the
+        // other follows from the two widths.
+        const int sourceBits = model::boundaryWeightedWidth(random), bits = model::boundaryWeightedWidth(random);
+        const int mode = static_cast<int>(random() % 5);
+        const int gained = mode < 2 ? weightedShift(random) : static_cast<int>(random() % 3) - 1;
+        const int shift = mode < 2 || mode == 4 ? bits - sourceBits - gained : weightedShift(random);
+        const int sourceExp = random() % 3 == 0 ? static_cast<int>(random() % 601) - 300
+                                                : static_cast<int>(random() % 81) - 40;
+        const int fracbits = shift - sourceExp, intbits = bits - fracbits;
+        const int sign = static_cast<int>(random() % 2), round = static_cast<int>(random() % 2);
+        const int wrap = static_cast<int>(random() % 2);
+        // Junk in the pad bits and in the words above those in use must not
+        // change the result.
+        const int nws = model::wordsFor(sourceBits), nwt = model::wordsFor(bits);
+        Fixed::fixed x{sourceBits, sourceExp, static_cast<int>(random() % 2), {0, 0, 0, 0, 0}};
+        for (int32_t& w : x.val)
+            w = static_cast<int32_t>(random());
+        model::writeMantissa(weightedPattern(random, sourceBits), sourceBits, x.val);
+        if (random() % 4 == 0)
+            x.val[0] |= static_cast<int32_t>(~Fixed::highmask[sourceBits % 32] & random());
+        const auto expected = requantise(model::readMantissa(x.val, sourceBits, sign != 0),
+                                         static_cast<long>(sourceExp) + fracbits, bits, sign != 0, round != 0, wrap != 0);
+        saturations += expected.second ? 1 : 0;
+        Fixed::fixed want{bits, -fracbits, sign, {0, 0, 0, 0, 0}};
+        model::writeMantissa(expected.first, bits, want.val);
+
+        const Fixed::fixed result = Fixed::fixedformat(x, intbits, fracbits, sign, round, wrap);
+        // An exactly sized source (a read past it is an address-sanitizer
+        // error) and a destination framed by sentinels.
+        std::unique_ptr<int32_t[]> source(new int32_t[nws]);
+        std::copy(x.val, x.val + nws, source.get());
+        std::vector<int32_t> frame(nwt + 2, 0);
+        frame.front() = frame.back() = sentinel;
+        const uint32_t flag = Fixed::fixformat(source.get(), frame.data() + 1, sourceBits, bits, sourceExp, -fracbits,
+                                               sign, round, wrap);
+        // All five result words count (those above the ones in use stay
+        // zero); fixformat must give fixedformat's words exactly.
+        const std::string wanted = model::hexWords(want.val, 5);
+        if (model::hexWords(result.val, 5) != wanted || flag != (expected.second ? 1u : 0u) ||
+            model::hexWords(frame.data() + 1, nwt) != model::hexWords(result.val, nwt) || frame.front() != sentinel ||
+            frame.back() != sentinel || std::memcmp(&result, &want, 3 * sizeof(int)) != 0) {
+            ADD_FAILURE() << "source " << sourceBits << " bits exp " << sourceExp << " words " << model::hexWords(x.val, 5)
+                          << "-> " << intbits << "." << fracbits << " s" << sign << " r" << round << " w" << wrap
+                          << "\n  model       " << wanted << " saturated " << expected.second << "\n  fixedformat "
+                          << model::hexWords(result.val, 5) << "\n  fixformat   " << model::hexWords(frame.data(), nwt + 2)
+                          << " flag " << flag;
+            return;
+        }
+    }
+    EXPECT_GT(saturations, conversionCount / 20) << "too few saturating cases drawn";
+    EXPECT_TRUE(recordedReports().empty());
+}
+
+TEST(FixFormat, ExtremeExponentsSaturateOrVanish)
+{
+    constexpr int most = 2147483647, least = -2147483647 - 1;
+    struct Case { uint32_t source; int srcexp, dstexp, round; uint32_t expected, flag; };
+    const Case cases[] = {
+        {0x01000000, most, least, 0, 0x7F000000, 1},  // far too large
+        {0xFF000000, most, least, 0, 0x80000000, 1},  // far too small
+        {0x01000000, least, most, 1, 0x00000000, 0},  // far below the last place
+        {0xFF000000, least, most, 0, 0xFF000000, 0},  // floor of a tiny negative: -1
+        {0xFF000000, least, most, 1, 0x00000000, 0},  // rounded: 0
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.srcexp) + " -> " + std::to_string(c.dstexp));
+        const int32_t source = static_cast<int32_t>(c.source);
+        int32_t frame[3] = {sentinel, 0, sentinel};
+        EXPECT_EQ(Fixed::fixformat(&source, frame + 1, 8, 8, c.srcexp, c.dstexp, 1, c.round, 0), c.flag);
+        EXPECT_EQ(static_cast<uint32_t>(frame[1]), c.expected);
+        EXPECT_TRUE(frame[0] == sentinel && frame[2] == sentinel);
+    }
+}
+
+}  // namespace
