@@ -77,29 +77,6 @@ TEST_F(ClassTest, PreDecimalSufficientTestsTheFloor)
     }
 }
 
-TEST_F(ClassTest, AThrowingReportLeavesNoObjectBehind)
-{
-    // LeakSanitizer and Valgrind check that the record is released.
-    throwOnReports(1);
-    EXPECT_THROW(signed4dot12(20.0), ReportFailure);
-    throwOnReports(1);
-    EXPECT_THROW(CFixedPoint(1.0, 100, 61, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_FLOOR,
-                             CFixedPoint::WRAP_SATURATE, false, CFixedPoint::MAXVALUE_2N),
-                 ReportFailure);
-
-    // A mismatch report that throws from operator+= leaves the object as it was.
-    CFixedPoint sum = signed4dot12(1.7);
-    const Fixed::fix before = sum.GetValue();
-    const CFixedPoint other(Fixed::fix{8, 0, 1, {0x01000000, 0, 0, 0, 0}});
-    throwOnReports(1);
-    EXPECT_THROW(sum += other, ReportFailure);
-    EXPECT_TRUE(sameWords(sum.GetValue(), before));
-    throwOnReports(1);  // the reformat constructor's width report
-    EXPECT_THROW(CFixedPoint(sum, 100, 100, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_FLOOR, CFixedPoint::WRAP_SATURATE),
-                 ReportFailure);
-    clearRecordedReports();
-}
-
 TEST_F(ClassTest, ReformatsAndAccumulatesInPlace)
 {
     const CFixedPoint source = signed4dot12(1.7);
