@@ -58,12 +58,10 @@ fixed combineWordwise(const fixed& a, const fixed& b, const char* function, cons
 [[gnu::noinline]] void reportAndQuantise(fixed& result, double value, int fracbits, int sign,
                                          int round, int wrap)
 {
-    if (isInvalidFlag(sign))
-        FIXED_REPORT(signature::double2fixed, message::double2fixedSign);
-    if (isInvalidFlag(round))
-        FIXED_REPORT(signature::double2fixed, message::double2fixedRound);
-    if (isInvalidFlag(wrap))
-        FIXED_REPORT(signature::double2fixed, message::double2fixedWrap);
+    reportInvalidFlags(signature::double2fixed,
+                       {message::double2fixedSign, message::double2fixedRound,
+                        message::double2fixedWrap},
+                       sign, round, wrap);
     if (result.bits > maxBits) {
         FIXED_REPORT(signature::double2fixed, message::double2fixedWidth);
         // The five words cannot hold the mantissa: they are cleared instead,
@@ -85,7 +83,7 @@ fixed double2fixed(double value, int intbits, int fracbits, int sign, int round,
     result.sign = sign;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
-    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || result.bits > maxBits)
+    if (hasArgumentToReport(sign, round, wrap, result.bits))
         reportAndQuantise(result, value, fracbits, sign, round, wrap);
     else
         quantiseInto(result, value, fracbits, sign, round, wrap);
@@ -115,6 +113,17 @@ fixed fixedadd(fixed a, fixed b)
 fixed fixedsub(fixed a, fixed b)
 {
     return combineWordwise(a, b, signature::fixedsub, message::fixedsubFormat, fixsub);
+}
+
+void reportInvalidFlags(const char* function, const FlagMessages& messages, int sign, int round,
+                        int wrap)
+{
+    if (isInvalidFlag(sign))
+        FIXED_REPORT(function, messages.sign);
+    if (isInvalidFlag(round))
+        FIXED_REPORT(function, messages.round);
+    if (isInvalidFlag(wrap))
+        FIXED_REPORT(function, messages.wrap);
 }
 
 }  // namespace Fixed

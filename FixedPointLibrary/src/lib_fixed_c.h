@@ -7,6 +7,7 @@
 #include <cstdint>
 
 #include "FixedPoint.h"
+#include "lib_fixpoint.h"
 
 namespace Fixed {
 
@@ -14,6 +15,25 @@ namespace Fixed {
 /// comparison is unsigned so that negative values are invalid too; the
 /// operations report an invalid flag and then pass it on unchanged.
 inline bool isInvalidFlag(int flag) { return static_cast<uint32_t>(flag) > 1u; }
+
+/// The texts one record operation reports for its three flags.
+struct FlagMessages {
+    const char* sign;
+    const char* round;
+    const char* wrap;
+};
+
+/// Reports each invalid flag, in the order sign, round, wrap, with the
+/// calling operation's signature text and messages.
+void reportInvalidFlags(const char* function, const FlagMessages& messages, int sign, int round,
+                        int wrap);
+
+/// True when any flag is invalid or the width exceeds a record: the calls
+/// that have something to report.
+inline bool hasArgumentToReport(int sign, int round, int wrap, int bits)
+{
+    return isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || bits > maxBits;
+}
 
 /// A record of intbits + fracbits bits and exp = -fracbits holding value,
 /// floored or rounded to nearest (ties up), saturated or wrapped.

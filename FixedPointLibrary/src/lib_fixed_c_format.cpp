@@ -78,12 +78,10 @@ int rowFor(int gained)
 // that a valid conversion should not set up on every call.
 [[gnu::noinline]] void reportArguments(int sign, int round, int wrap, int resultBits)
 {
-    if (isInvalidFlag(sign))
-        FIXED_REPORT(signature::fixedformat, message::fixedformatSign);
-    if (isInvalidFlag(round))
-        FIXED_REPORT(signature::fixedformat, message::fixedformatRound);
-    if (isInvalidFlag(wrap))
-        FIXED_REPORT(signature::fixedformat, message::fixedformatWrap);
+    reportInvalidFlags(signature::fixedformat,
+                       {message::fixedformatSign, message::fixedformatRound,
+                        message::fixedformatWrap},
+                       sign, round, wrap);
     if (resultBits > maxBits)
         FIXED_REPORT(signature::fixedformat, message::fixedformatWidth);
 }
@@ -102,7 +100,7 @@ fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int w
     result.exp = wrappingNegate(fracbits);
     result.sign = sign;
 
-    if (isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || result.bits > maxBits)
+    if (hasArgumentToReport(sign, round, wrap, result.bits))
         reportArguments(sign, round, wrap, result.bits);
 
     // A source that breaks the record's width range has no mantissa to read;
