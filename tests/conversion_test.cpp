@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <random>
 
@@ -110,6 +111,10 @@ TEST(Double2FixedModel, ScalesThenQuantisesExactly)
                                              : model::saturateInto(rounded, bits, sign != 0);
         ASSERT_EQ(model::readMantissa(f.val, bits, sign != 0), expected);
         ASSERT_TRUE(f.bits == bits && f.exp == -fracbits && f.sign == sign);
+        // The flag says whether the bound replaced the rounded value.
+        const Fixed::Quantised flagged = Fixed::double2fixedWithFlag(value, intbits, fracbits, sign, round, wrap);
+        ASSERT_EQ(flagged.saturated, wrap == 0 && expected != rounded ? 1 : 0);
+        ASSERT_EQ(std::memcmp(&flagged.value, &f, sizeof f), 0);
     }
 }
 

@@ -103,6 +103,7 @@ TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
         model::writeMantissa(expected.first, bits, want.val);
 
         const Fixed::fixed result = Fixed::fixedformat(x, intbits, fracbits, sign, round, wrap);
+        const Fixed::Quantised flagged = Fixed::fixedformatWithFlag(x, intbits, fracbits, sign, round, wrap);
         // An exactly sized source (a read past it is an address-sanitizer
         // error) and a destination framed by sentinels.
         std::unique_ptr<int32_t[]> source(new int32_t[nws]);
@@ -115,6 +116,7 @@ TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
         // zero); fixformat must give fixedformat's words exactly.
         const std::string wanted = model::hexWords(want.val, 5);
         if (model::hexWords(result.val, 5) != wanted || flag != (expected.second ? 1u : 0u) ||
+            flagged.saturated != (expected.second ? 1 : 0) || model::hexWords(flagged.value.val, 5) != wanted ||
             model::hexWords(frame.data() + 1, nwt) != model::hexWords(result.val, nwt) || frame.front() != sentinel ||
             frame.back() != sentinel || std::memcmp(&result, &want, 3 * sizeof(int)) != 0) {
             ADD_FAILURE() << "source " << sourceBits << " bits exp " << sourceExp << " words " << model::hexWords(x.val, 5)

@@ -23,10 +23,10 @@ bool sameFormat(const fixed& a, const fixed& b)
 // The words of a record with a valid width: value x 2^fracbits quantised
 // (2^fracbits rather than 2^-exp, whose negation could overflow for the most
 // negative fracbits).
-inline void quantiseInto(fixed& result, double value, int fracbits, int sign, int round, int wrap)
+inline int quantiseInto(fixed& result, double value, int fracbits, int sign, int round, int wrap)
 {
     const double scaled = powerOfTwo(fracbits) * value;
-    float2fix(scaled, result.bits, result.val, sign, round, wrap);
+    return float2fix(scaled, result.bits, result.val, sign, round, wrap);
 }
 
 // A carry or borrow chain over the words of a's width, in a's format: the
@@ -55,8 +55,8 @@ fixed combineWordwise(const fixed& a, const fixed& b, const char* function, cons
 
 // double2fixed with something to report, out of line: composing a text needs
 // a large frame that the common conversion should not set up on every call.
-[[gnu::noinline]] void reportAndQuantise(fixed& result, double value, int fracbits, int sign,
-                                         int round, int wrap)
+[[gnu::noinline]] int reportAndQuantise(fixed& result, double value, int fracbits, int sign,
+                                        int round, int wrap)
 {
     reportInvalidFlags(signature::double2fixed,
                        {message::double2fixedSign, message::double2fixedRound,
@@ -68,26 +68,32 @@ fixed combineWordwise(const fixed& a, const fixed& b, const char* function, cons
         // so the record reads as zero and nothing is written beyond val[4].
         for (int32_t& word : result.val)
             word = 0;
-        return;
+        return 0;
     }
-    quantiseInto(result, value, fracbits, sign, round, wrap);
+    return quantiseInto(result, value, fracbits, sign, round, wrap);
 }
 
 }  // namespace
 
-fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+Quantised double2fixedWithFlag(double value, int intbits, int fracbits, int sign, int round,
+                               int wrap)
 {
     // Words above the width carry nothing; they are zeroed so that records
     // built here compare and copy deterministically.
-    fixed result = {};
-    result.sign = sign;
-    result.bits = wrappingAdd(intbits, fracbits);
-    result.exp = wrappingNegate(fracbits);
-    if (hasArgumentToReport(sign, round, wrap, result.bits))
-        reportAndQuantise(result, value, fracbits, sign, round, wrap);
+    Quantised result = {};
+    result.value.sign = sign;
+    result.value.bits = wrappingAdd(intbits, fracbits);
+    result.value.exp = wrappingNegate(fracbits);
+    if (hasArgumentToReport(sign, round, wrap, result.value.bits))
+        result.saturated = reportAndQuantise(result.value, value, fracbits, sign, round, wrap);
     else
-        quantiseInto(result, value, fracbits, sign, round, wrap);
+        result.saturated = quantiseInto(result.value, value, fracbits, sign, round, wrap);
     return result;
+}
+
+fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
+{
+    return double2fixedWithFlag(value, intbits, fracbits, sign, round, wrap).value;
 }
 
 double fixed2double(fixed f)

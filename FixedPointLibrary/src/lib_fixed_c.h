@@ -38,6 +38,19 @@ inline bool hasArgumentToReport(int sign, int round, int wrap, int bits)
 /// A record of intbits + fracbits bits and exp = -fracbits holding value,
 /// floored or rounded to nearest (ties up), saturated or wrapped.
 fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap);
+/// A record together with the saturation flag its quantiser computed: 1 when
+/// a saturation pattern was written in place of the rounded value.
+struct Quantised {
+    fixed value;
+    int saturated;
+};
+
+/// double2fixed, also returning the quantiser's saturation flag.
+Quantised double2fixedWithFlag(double value, int intbits, int fracbits, int sign, int round,
+                               int wrap);
+/// fixedformat, also returning the conversion's saturation flag.
+Quantised fixedformatWithFlag(fixed x, int intbits, int fracbits, int sign, int round, int wrap);
+
 /// 2^exp x mantissa.
 double fixed2double(fixed f);
 /// f with exp moved by n: the value times 2^n, mantissa words unchanged.

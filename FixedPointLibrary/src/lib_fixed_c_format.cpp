@@ -29,40 +29,44 @@ struct Conversion {
 
 // Same integer bits and every source bit kept: the source words become the
 // top words of the result, the new low words stay zero.
-void copyWords(const Conversion& c)
+// Each case returns the saturation flag; gaining integer bits never saturates.
+uint32_t copyWords(const Conversion& c)
 {
     for (int i = 0; i < c.sourceWords; ++i)
         c.dstTop[-i] = c.srcTop[-i];
+    return 0;
 }
 
-void widen(const Conversion& c)
+uint32_t widen(const Conversion& c)
 {
     fixwiden(c.srcTop, c.dstTop, c.sourceBits, c.gained, c.sign);
+    return 0;
 }
 
-void widenRound(const Conversion& c)
+uint32_t widenRound(const Conversion& c)
 {
     fixwidenround(c.srcTop, c.dstTop, c.kept, c.gained, c.sign, c.round);
+    return 0;
 }
 
-void roundOnly(const Conversion& c)
+uint32_t roundOnly(const Conversion& c)
 {
-    fixround(c.srcTop, c.dstTop, c.resultBits, c.sign, c.round, c.wrap);
+    return fixround(c.srcTop, c.dstTop, c.resultBits, c.sign, c.round, c.wrap);
 }
 
-void narrow(const Conversion& c)
+uint32_t narrow(const Conversion& c)
 {
-    fixnarrow(c.srcTop, c.dstTop, c.sourceBits, c.resultBits, -c.gained, c.sign, c.wrap);
+    return fixnarrow(c.srcTop, c.dstTop, c.sourceBits, c.resultBits, -c.gained, c.sign, c.wrap);
 }
 
-void narrowRound(const Conversion& c)
+uint32_t narrowRound(const Conversion& c)
 {
-    fixnarrowround(c.srcTop, c.dstTop, c.resultBits, -c.gained, c.sign, c.round, c.wrap);
+    return fixnarrowround(c.srcTop, c.dstTop, c.resultBits, -c.gained, c.sign, c.round, c.wrap);
 }
 
 // Rows: integer bits gained, kept, lost. Columns: no source bit dropped,
 // low source bits dropped.
-using Case = void (*)(const Conversion&);
+using Case = uint32_t (*)(const Conversion&);
 const Case caseTable[3][2] = {
     {widen, widenRound},
     {copyWords, roundOnly},
@@ -88,14 +92,15 @@ int rowFor(int gained)
 
 }  // namespace
 
-fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
+Quantised fixedformatWithFlag(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
 {
     // The result starts all zero: that is the clearing the kernels rely on
     // (they OR bits into the words in use), and it leaves no indeterminate
     // word in the returned record. For a width outside 1..160 it is the whole
     // result: the record then reads as zero and nothing beyond val[4] is
     // written.
-    fixed result{};
+    Quantised quantised{};
+    fixed& result = quantised.value;
     result.bits = wrappingAdd(intbits, fracbits);
     result.exp = wrappingNegate(fracbits);
     result.sign = sign;
@@ -106,14 +111,16 @@ fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int w
     // A source that breaks the record's width range has no mantissa to read;
     // a width below 1 (not reported) leaves nothing to write.
     if (!isMantissaWidth(x.bits) || !isMantissaWidth(result.bits))
-        return result;
+        return quantised;
 
     const int gained = clampedShift(int64_t{intbits} - (int64_t{x.bits} + int64_t{x.exp}));
     // Formats of up to 64 bits: one 64-bit integer instead of the kernels
     // (the result words are still clear, so ORing into them is storing).
     uint32_t saturated = 0;
-    if (fixformat64(x.val, result.val, x.bits, result.bits, gained, sign, round, wrap, saturated))
-        return result;
+    if (fixformat64(x.val, result.val, x.bits, result.bits, gained, sign, round, wrap, saturated)) {
+        quantised.saturated = saturated != 0 ? 1 : 0;
+        return quantised;
+    }
 
     // Pad bits of the source are masked away first (only the raw two-word
     // store above 64 bits leaves them set), so every case, including those
@@ -132,8 +139,13 @@ fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int w
                                 round,
                                 wrap};
     const bool dropsBits = x.bits > conversion.kept;
-    caseTable[rowFor(gained)][dropsBits ? 1 : 0](conversion);
-    return result;
+    quantised.saturated = caseTable[rowFor(gained)][dropsBits ? 1 : 0](conversion) != 0 ? 1 : 0;
+    return quantised;
+}
+
+fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
+{
+    return fixedformatWithFlag(x, intbits, fracbits, sign, round, wrap).value;
 }
 
 }  // namespace Fixed
