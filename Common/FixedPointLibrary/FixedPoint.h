@@ -58,14 +58,14 @@ static_assert(sizeof(fix) == 32, "the value record is exactly eight 32-bit words
 /// GetValueAs_uint64_t(), MSB() and LSB(), and 0.0 from operator double()
 /// unless its exp lies beyond the double range (see there).
 ///
-/// Threads: the library keeps no mutable global state and takes no lock.
-/// Distinct objects may be used on distinct threads at the same time. One
-/// object may be read by several threads at once: copied, passed as the
-/// source of the reformat constructor or as the right operand of
-/// operator+=, or read through GetValue(), GetValueAs_uint64_t(), MSB(),
-/// LSB(), operator double(), operator unsigned long long() and operator<<()
-/// (the last three are not const members, but none of them changes the
-/// object). operator+= and assignment change the object: while they run, no
+/// Threads: the library keeps no mutable global state of its own; its only
+/// shared data are constant tables. Distinct objects may be used on distinct
+/// threads at the same time. One object may be read by several threads at
+/// once: copied, passed as the source of the reformat constructor or as the
+/// right operand of operator+=, or read through GetValue(),
+/// GetValueAs_uint64_t(), MSB(), LSB(), operator double(), operator unsigned
+/// long long() and operator<<() (the last three are not const members, but
+/// none of them changes the object). operator+= and assignment change the object: while they run, no
 /// other thread may use that object. Reports run on the thread of the failing
 /// call and the library holds no lock while it calls the host, so a host
 /// whose report function can be reached from several threads makes it safe
