@@ -65,11 +65,11 @@ static_assert(sizeof(fix) == 32, "the value record is exactly eight 32-bit words
 /// right operand of operator+=, or read through GetValue(),
 /// GetValueAs_uint64_t(), MSB(), LSB(), operator double(), operator unsigned
 /// long long() and operator<<() (the last three are not const members, but
-/// none of them changes the object). operator+= and assignment change the object: while they run, no
-/// other thread may use that object. Reports run on the thread of the failing
-/// call and the library holds no lock while it calls the host, so a host
-/// whose report function can be reached from several threads makes it safe
-/// for concurrent calls.
+/// none of them changes the object). operator+= and assignment change the
+/// object: while they run, no other thread may use that object. Reports run
+/// on the thread of the failing call and the library holds no lock while it
+/// calls the host, so a host whose report function can be reached from
+/// several threads makes it safe for concurrent calls.
 class FIXEDPOINT_EXPORT CFixedPoint {
 public:
     /// Signedness of a format. The underlying type is fixed so that values
@@ -122,8 +122,9 @@ public:
     /// With warn set, PreDecimalSufficient() tests the unquantised value and,
     /// if its integer part does not fit, "Not enough predecimal bits (" ... is
     /// reported after the conversion's own reports (a NaN always gets it, an
-    /// infinity for any preDecimalBits up to 1023). The warning changes nothing: the value is saturated or
-    /// wrapped as wrap says, and warn false gives the identical record.
+    /// infinity for any preDecimalBits up to 1023). The warning changes
+    /// nothing: the value is saturated or wrapped as wrap says, and warn
+    /// false gives the identical record.
     CFixedPoint(const double& value, int preDecimalBits, int fractionBits,
                 CFixedPoint::SIGN sign, CFixedPoint::ROUND round,
                 CFixedPoint::WRAP wrap, bool warn,
