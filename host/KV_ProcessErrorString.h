@@ -1,6 +1,9 @@
 // The host firmware's error-report function, as the FixedPoint library sees
 // it. The firmware's utility library defines it; this repository only ships a
-// stand-in (KV_ProcessErrorString.cpp) for its own tools.
+// stand-in (KV_ProcessErrorString.cpp) for its own tools. The header is
+// installed with the library, so that any definition of the function includes
+// this declaration and the compiler checks that it matches what the library
+// calls.
 #ifndef KV_PROCESSERRORSTRING_H
 #define KV_PROCESSERRORSTRING_H
 

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Installs the library into temporary prefixes and builds programs against the
 # installed files only: the CMake package with and without the host stand-in,
-# and a one-line compile through pkg-config.
+# a one-line compile through pkg-config, and both again after the installed
+# tree was moved elsewhere.
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
@@ -38,14 +39,41 @@ nm -D --defined-only "$library" | grep -q '_KV_ProcessErrorString' \
     && fail "libFixedPoint defines _KV_ProcessErrorString itself"
 grep -q 'Qt' "$work/full/lib/cmake/FixedPoint/FixedPointTargets.cmake" \
     && fail "FixedPoint::FixedPoint passes Qt on to its consumers"
-for header in FixedPoint.h FixedPoint_export.h; do
+for header in FixedPoint.h FixedPoint_export.h KV_ProcessErrorString.h; do
     [ -f "$work/full/include/$header" ] || fail "$header not installed"
     [ -f "$work/lib-only/include/$header" ] || fail "$header not installed by the Development component"
 done
 [ -e "$work/lib-only/lib/libkvhost.so" ] && fail "the stand-in leaked into the library components"
 
+# Reports name source files relative to the source tree: the build machine's
+# directory must not be compiled into the library (this Release build has no
+# debug information, which alone may keep it).
+grep -q -F "$root/" "$work/full/lib/libFixedPoint.so.1.0.0" \
+    && fail "libFixedPoint carries the build machine's source path $root"
+
 expected_output() {
-    printf '%s\n' '1.7 = 1.699951171875 (raw 0x1B33)' '20.0 = 7.999755859375 (raw 0x7FFF)'
+    printf '%s\n' '1.7 = 1.699951171875 (raw 0x1B33)' '20.0 = 7.999755859375 (raw 0x7FFF)' \
+        '1.0 in 161 bits = 0'
+}
+
+# The reports on a consumer's stderr ("file:line: ..." from the stand-in and
+# from the consumer's own function alike): the class's range warning and the
+# core's width report, each naming its file relative to the source tree, as
+# a file that exists there.
+check_reports() {
+    local name=$1 err=$2 file
+    grep -q 'Not enough predecimal bits (4)  for fixed point conversion of value 20. The value will be limited.' \
+        "$err" || fail "consumer ($name): the range warning did not reach the host"
+    grep -q '^Common/FixedPointLibrary/FixedPoint\.cpp:[0-9]*: .*Not enough predecimal bits' "$err" \
+        || fail "consumer ($name): the range warning does not name Common/FixedPointLibrary/FixedPoint.cpp"
+    grep -q '^FixedPointLibrary/src/[a-z_]*\.cpp:[0-9]*: .*Too many bits used (double2fixed)' "$err" \
+        || fail "consumer ($name): the width report does not name a file of FixedPointLibrary/src"
+    while IFS= read -r file; do
+        case $file in
+            /*) fail "consumer ($name): a report names the absolute path $file" ;;
+        esac
+        [ -f "$root/$file" ] || fail "consumer ($name): a report names $file, not a file of the source tree"
+    done < <(sed -n 's/^\([^:]*\):[0-9][0-9]*: .*/\1/p' "$err")
 }
 
 run_consumer() {
@@ -58,8 +86,7 @@ run_consumer() {
     echo "$out"
     cat "$work/$name.err"
     [ "$out" = "$(expected_output)" ] || fail "consumer ($name) printed unexpected values"
-    grep -q 'Not enough predecimal bits (4)  for fixed point conversion of value 20. The value will be limited.' \
-        "$work/$name.err" || fail "consumer ($name): the range warning did not reach the host"
+    check_reports "$name" "$work/$name.err"
 }
 
 run_consumer full "$work/full"
@@ -74,4 +101,29 @@ g++ -std=c++17 -o "$work/pc-consumer" examples/consumer/main.cpp \
 out=$(LD_LIBRARY_PATH=$work/full/lib "$work/pc-consumer" 2>/dev/null)
 [ "$out" = "$(expected_output)" ] || fail "pkg-config build printed unexpected values"
 echo "$out"
+
+# Relocation: the library-only tree is moved to another place, at another
+# depth, and the old place is gone. fixedpoint.pc finds its files from its
+# own location, so the one-line pkg-config build against the moved tree still
+# works; so does the CMake package, whose files are relative already. The
+# program defines the report function itself against the moved header.
+echo "== relocated prefix: pkg-config and CMake consumers"
+moved=$work/relocated/some/other/place
+mkdir -p "$(dirname "$moved")"
+mv "$work/lib-only" "$moved"
+export PKG_CONFIG_PATH=$moved/lib/pkgconfig
+grep -q -F "$work/" "$moved/lib/pkgconfig/fixedpoint.pc" \
+    && fail "fixedpoint.pc names the prefix it was installed into"
+pc_libdir=$(pkg-config --variable=libdir fixedpoint)
+[ -d "$pc_libdir" ] && [ "$(cd "$pc_libdir" && pwd -P)" = "$(cd "$moved/lib" && pwd -P)" ] \
+    || fail "the moved fixedpoint.pc gives libdir $pc_libdir, not $moved/lib"
+qt_major=$(sed -n 's/^set(FixedPoint_QT_MAJOR \([0-9]*\))$/\1/p' "$moved/lib/cmake/FixedPoint/FixedPointConfig.cmake")
+[ -n "$qt_major" ] || fail "FixedPointConfig.cmake does not say which Qt the library uses"
+g++ -std=c++17 -fPIC -o "$work/pc-relocated" examples/consumer/main.cpp examples/consumer/report.cpp \
+    $(pkg-config --cflags --libs fixedpoint "Qt${qt_major}Core")
+out=$(LD_LIBRARY_PATH=$moved/lib "$work/pc-relocated" 2>"$work/pc-relocated.err")
+echo "$out"
+[ "$out" = "$(expected_output)" ] || fail "pkg-config build against the moved prefix printed unexpected values"
+check_reports pc-relocated "$work/pc-relocated.err"
+run_consumer relocated "$moved"
 echo "== install checks passed"

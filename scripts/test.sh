@@ -1,14 +1,15 @@
 #!/usr/bin/env bash
 # Builds everything warning-free (-Werror) and runs the whole test suite, then
 # runs it again under AddressSanitizer and UndefinedBehaviorSanitizer; then
-# checks the installed package, the Qt 6 build and the 32-bit ARM build (under
-# qemu-arm), runs the concurrency test under ThreadSanitizer, the suite under
-# Valgrind memcheck (Release build) and every fuzz target for a short smoke run
+# checks the installed package, builds the Doxygen reference (warnings are
+# errors), checks the Qt 6 build and the 32-bit ARM build (under qemu-arm),
+# runs the concurrency test under ThreadSanitizer, the suite under Valgrind
+# memcheck (Release build) and every fuzz target for a short smoke run
 # (FUZZ_SECONDS, default 20 s each; scripts/fuzz.sh runs them longer by hand).
 # Prints each stage's time at the end.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh clang libclang-rt-14-dev valgrind
+scripts/install-deps.sh clang libclang-rt-14-dev valgrind doxygen
 jobs=$(nproc)
 
 run_suite() {
@@ -32,6 +33,7 @@ stage() {
 stage tests run_suite build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
 stage sanitizers run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DFIXEDPOINT_SANITIZE=address,undefined
 stage install scripts/check-install.sh
+stage docs scripts/docs.sh
 stage qt6 scripts/check-qt6.sh
 stage armhf scripts/check-armhf.sh
 

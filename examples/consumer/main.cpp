@@ -1,6 +1,7 @@
 // Quantises 1.7 into a signed format with 4 integer and 12 fractional bits,
 // and 20.0, which does not fit and is reported through the host's
-// _KV_ProcessErrorString before it saturates.
+// _KV_ProcessErrorString before it saturates. A format wider than a record
+// (161 bits) is reported by the library's core and the value reads as zero.
 #include <FixedPoint.h>
 
 #include <cinttypes>
@@ -19,7 +20,10 @@ int main()
                            CFixedPoint::WRAP_SATURATE, true, CFixedPoint::MAXVALUE_2N_MINUS_1);
     const CFixedPoint limited(20.0, 4, 12, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_NEAREST,
                               CFixedPoint::WRAP_SATURATE, true, CFixedPoint::MAXVALUE_2N_MINUS_1);
+    CFixedPoint tooWide(1.0, 100, 61, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_NEAREST,
+                        CFixedPoint::WRAP_SATURATE, false, CFixedPoint::MAXVALUE_2N_MINUS_1);
     print("1.7", fits);
     print("20.0", limited);
+    std::printf("1.0 in 161 bits = %.15g\n", static_cast<double>(tooWide));
     return 0;
 }

@@ -1,14 +1,13 @@
 // This program's own report function, for installs without the stand-in:
-// the firmware's utility library would provide it.
-#include <QString>
+// the firmware's utility library would provide it. The installed
+// KV_ProcessErrorString.h declares it exactly as the library calls it.
+#include <KV_ProcessErrorString.h>
 
 #include <cstdio>
-
-enum e_KV_MESSAGE_TYPE { KV_MESSAGE_TYPE_2 = 2 };
 
 void _KV_ProcessErrorString(const QString& file, int line, const QString& function,
                             QString& message, e_KV_MESSAGE_TYPE type)
 {
-    std::fprintf(stderr, "report (type %d) from %s line %d in %s: %s\n", static_cast<int>(type),
-                 qPrintable(file), line, qPrintable(function), qPrintable(message));
+    std::fprintf(stderr, "%s:%d: [type %d] %s: %s\n", qPrintable(file), line,
+                 static_cast<int>(type), qPrintable(function), qPrintable(message));
 }
