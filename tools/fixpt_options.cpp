@@ -76,10 +76,9 @@ void describeOptions(QCommandLineParser& parser)
     parser.setApplicationDescription(QStringLiteral(
         "Quantise VALUE into a fixed-point format and show the exact result, decode a raw "
         "pattern (--raw), describe a format (--info) or propose one (--fit).\n"
-        "  fixpt VALUE FORMAT            fixpt --batch FORMAT < values\n"
-        "  fixpt --raw PATTERN FORMAT    fixpt --raw --batch FORMAT < patterns\n"
-        "  fixpt --info FORMAT\n"
-        "  fixpt --fit MIN MAX --bits N | --resolution R [--signed]    fixpt --fit --batch ...\n"
+        "Modes: fixpt VALUE FORMAT; fixpt --raw PATTERN FORMAT; fixpt --info FORMAT; fixpt --fit "
+        "MIN MAX --bits N or --resolution R. With --batch the values (or patterns) come from "
+        "stdin and FORMAT (or nothing, with --fit) is the only argument.\n"
         "FORMAT is INTBITS FRACBITS (integer bits include the sign bit of a signed format) or "
         "compactly s4.12, u8.0, s-2.10; its width is 1 to 160 bits.\n"
         "Numbers are read as C's strtod reads them (1e-3, 0x1p-4, inf, -nan).\n"

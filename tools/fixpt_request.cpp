@@ -208,8 +208,8 @@ ParsedRequest RequestReader::read(const QStringList& arguments)
         parsed.refusal = m_parser.errorText();
         return parsed;
     }
-    if (isSet("help") || isSet("version")) {
-        parsed.status = isSet("help") ? ParsedRequest::Help : ParsedRequest::Version;
+    if (isSet("help") || isSet("help-all") || isSet("version")) {
+        parsed.status = isSet("version") ? ParsedRequest::Version : ParsedRequest::Help;
         return parsed;
     }
     readMode();
