@@ -29,6 +29,17 @@ std::string unquantisableNote(const Format& format, double value)
     return std::string();
 }
 
+// The class's constructor is the one that words the range warning the
+// firmware logs; it is built for its report only (the record and the flag
+// are the record layer's), and only for inputs it quantises without reports.
+void reportAsTheClassDoes(const Request& request, double value)
+{
+    const Format& format = request.format;
+    const CFixedPoint reported(value, format.intBits, format.fracBits, format.sign, format.round, format.wrap, true,
+                               request.maxValue);
+    (void)reported;
+}
+
 // The exact distance of result from origin, rounded to a double at the end.
 double exactError(const Fixed::fixed& result, const Dyadic& origin)
 {
@@ -65,8 +76,10 @@ Outcome quantise(const Request& request, const Number& input)
         outcome.error = nearestDouble(exactOfRecord(outcome.record)) - value;
         return outcome;
     }
-    if (request.warn && !CFixedPoint::PreDecimalSufficient(value, format.intBits, format.sign, request.maxValue))
+    if (request.warn && !CFixedPoint::PreDecimalSufficient(value, format.intBits, format.sign, request.maxValue)) {
         addNote(outcome, "the integer part exceeds " + std::to_string(format.intBits) + " integer bits (--warn)");
+        reportAsTheClassDoes(request, value);
+    }
     outcome.error = exactError(outcome.record, exactOfDouble(value));
     return outcome;
 }

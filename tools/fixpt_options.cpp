@@ -20,7 +20,8 @@ const OptionSpec options[] = {
     {"round", "mode", "nearest", values | fit, "Rounding: floor or nearest, ties up (default nearest)."},
     {"overflow", "mode", "saturate", values, "Overflow: saturate or wrap (default saturate)."},
     {"warn", nullptr, nullptr, quantise,
-     "Note an integer part outside INTBITS (the class's PreDecimalSufficient test)."},
+     "Flag an integer part outside INTBITS (the class's PreDecimalSufficient test) in a note, "
+     "with the class's own warning on stderr."},
     {"max", "bound", "2n-1", quantise, "Largest integer part --warn accepts: 2n-1 or 2n."},
     {"to", "format", nullptr, values,
      "Also reformat the result into a second format (u8.4, or INTBITS,FRACBITS) with the class's "
