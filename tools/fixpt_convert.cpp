@@ -99,7 +99,8 @@ Outcome decode(const Request& request, const Pattern& pattern)
     outcome.record = value.GetValue();
     const Pattern stored = patternOf(outcome.record);
     if (!samePattern(stored, pattern))
-        addNote(outcome, "the raw-word constructor stored " + patternHex(stored, format.bits()));
+        addNote(outcome, "the raw-word constructor stored " + patternHex(stored, format.bits()) + " for " +
+                             patternHex(pattern, format.bits()));
     return outcome;
 }
 

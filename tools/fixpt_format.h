@@ -28,9 +28,9 @@ constexpr int maxFractionMagnitude = 4096;
 /// fractional bits (s4.12, u8.0, s-2.10).
 bool isCompactFormat(const QString& text);
 
-/// Reads a compact format (its letter sets the sign) or, when text is not
-/// one, INTBITS and FRACBITS joined by separator (the sign is kept). Returns
-/// an empty text, or why the format is refused: malformed numbers, a width
+/// Reads a format given as one compact argument (its letter sets the sign)
+/// or as the two parts INTBITS and FRACBITS (the sign is kept). Returns an
+/// empty text, or why the format is refused: malformed numbers, a width
 /// outside 1 to 160, fractional bits beyond maxFractionMagnitude.
 QString readFormat(const QStringList& parts, Format* format);
 

@@ -64,7 +64,7 @@ private:
     void readMode();
     int readChoice(const char* option, const QStringList& choices);
     void readFormatOptions(const char* prefix, Format* format);
-    void readFormat(const QStringList& parts, const char* unsignedOption, Format* format);
+    void readFormatParts(const QStringList& parts, const char* unsignedOption, Format* format);
     void readTarget();
     void readPositionals();
     void readFitOptions();
@@ -113,10 +113,10 @@ void RequestReader::readFormatOptions(const char* prefix, Format* format)
 }
 
 // A compact format's letter must agree with the --unsigned flag when given.
-void RequestReader::readFormat(const QStringList& parts, const char* unsignedOption, Format* format)
+void RequestReader::readFormatParts(const QStringList& parts, const char* unsignedOption, Format* format)
 {
     const CFixedPoint::SIGN flagged = format->sign;
-    refuse(::readFormat(parts, format));
+    refuse(readFormat(parts, format));
     if (isSet(unsignedOption) && format->sign != flagged)
         refuse(QStringLiteral("format %1 is signed but --%2 is given").arg(parts.join(QLatin1Char(' ')),
                                                                              QLatin1String(unsignedOption)));
@@ -129,7 +129,7 @@ void RequestReader::readTarget()
     if (!m_request.reformat)
         return;
     const QString text = value("to");
-    readFormat(isCompactFormat(text) ? QStringList{text} : text.split(QLatin1Char(',')), "to-unsigned",
+    readFormatParts(isCompactFormat(text) ? QStringList{text} : text.split(QLatin1Char(',')), "to-unsigned",
                &m_request.target);
 }
 
@@ -168,7 +168,7 @@ void RequestReader::readPositionals()
         return refuse(mode == Mode::Decode ? QStringLiteral("expected PATTERN FORMAT")
                                            : QStringLiteral("expected VALUE FORMAT"));
     const QString itemText = hasItem ? positionals.takeFirst() : QString();
-    readFormat(positionals, "unsigned", &m_request.format);
+    readFormatParts(positionals, "unsigned", &m_request.format);
     if (hasItem)
         readItemArgument(itemText, mode == Mode::Decode ? QStringLiteral("PATTERN") : QStringLiteral("VALUE"),
                          &m_request.item);
