@@ -7,7 +7,7 @@ namespace {
 enum ModeBit : unsigned { quantise = 1, decode = 2, info = 4, fit = 8 };
 constexpr unsigned values = quantise | decode;
 
-struct OptionSpec {
+struct OptionEntry {
     const char* name;
     const char* valueName;  // nullptr for a flag
     const char* defaultValue;
@@ -15,7 +15,7 @@ struct OptionSpec {
     const char* help;
 };
 
-const OptionSpec options[] = {
+const OptionEntry options[] = {
     {"unsigned", nullptr, nullptr, values | info, "Make FORMAT unsigned (INTBITS FRACBITS form; default signed)."},
     {"round", "mode", "nearest", values | fit, "Rounding: floor or nearest, ties up (default nearest)."},
     {"overflow", "mode", "saturate", values, "Overflow: saturate or wrap (default saturate)."},
@@ -89,20 +89,20 @@ void describeOptions(QCommandLineParser& parser)
     parser.addPositionalArgument(QStringLiteral("VALUE"),
                                  QStringLiteral("The number to quantise, or the pattern to decode with --raw."));
     parser.addPositionalArgument(QStringLiteral("FORMAT"), QStringLiteral("INTBITS FRACBITS, or s4.12 / u8.0."));
-    for (const OptionSpec& spec : options) {
-        QCommandLineOption option(QString::fromLatin1(spec.name), QString::fromLatin1(spec.help));
-        if (spec.valueName != nullptr)
-            option.setValueName(QString::fromLatin1(spec.valueName));
-        if (spec.defaultValue != nullptr)
-            option.setDefaultValue(QString::fromLatin1(spec.defaultValue));
+    for (const OptionEntry& entry : options) {
+        QCommandLineOption option(QString::fromLatin1(entry.name), QString::fromLatin1(entry.help));
+        if (entry.valueName != nullptr)
+            option.setValueName(QString::fromLatin1(entry.valueName));
+        if (entry.defaultValue != nullptr)
+            option.setDefaultValue(QString::fromLatin1(entry.defaultValue));
         parser.addOption(option);
     }
 }
 
 bool takesValue(const QString& option)
 {
-    for (const OptionSpec& spec : options) {
-        if (spec.valueName != nullptr && option == QLatin1String("--") + QLatin1String(spec.name))
+    for (const OptionEntry& entry : options) {
+        if (entry.valueName != nullptr && option == QLatin1String("--") + QLatin1String(entry.name))
             return true;
     }
     return false;
@@ -110,9 +110,9 @@ bool takesValue(const QString& option)
 
 QString optionOutsideMode(const QCommandLineParser& parser, Mode mode)
 {
-    for (const OptionSpec& spec : options) {
-        if ((spec.modes & modeBit(mode)) == 0 && parser.isSet(QString::fromLatin1(spec.name)))
-            return QString::fromLatin1(spec.name);
+    for (const OptionEntry& entry : options) {
+        if ((entry.modes & modeBit(mode)) == 0 && parser.isSet(QString::fromLatin1(entry.name)))
+            return QString::fromLatin1(entry.name);
     }
     return QString();
 }
