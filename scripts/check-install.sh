@@ -6,7 +6,7 @@
 set -euo pipefail
 cd "$(dirname "$0")/.."
 root=$PWD
-scripts/install-deps.sh
+scripts/install-deps.sh man-db
 build=$root/build-install
 work=$(mktemp -d)
 trap 'rm -rf "$work"' EXIT
@@ -19,7 +19,7 @@ echo "== $build: configure and build"
 cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DFIXEDPOINT_WERROR=ON \
     -DFIXEDPOINT_BUILD_TESTS=OFF -DFIXEDPOINT_INSTALL_HOST_STANDIN=ON \
     -DCMAKE_INSTALL_PREFIX="$work/full" -DCMAKE_INSTALL_LIBDIR=lib >/dev/null
-cmake --build "$build" -j"$jobs" --target FixedPoint kvhost
+cmake --build "$build" -j"$jobs" --target FixedPoint kvhost fixpt fixpt_manual
 
 echo "== install: everything into $work/full, library only into $work/lib-only"
 cmake --install "$build" >/dev/null
@@ -126,4 +126,23 @@ echo "$out"
 [ "$out" = "$(expected_output)" ] || fail "pkg-config build against the moved prefix printed unexpected values"
 check_reports pc-relocated "$work/pc-relocated.err"
 run_consumer relocated "$moved"
+
+# The installed fixpt runs from the prefix alone: the core and the host
+# stand-in are linked into it, so it needs no RUNPATH and no library of this
+# project, only Qt. Its manual page lists every option --help lists.
+echo "== installed fixpt and its manual page"
+fixpt=$work/full/bin/fixpt
+manual=$work/full/share/man/man1/fixpt.1
+[ -x "$fixpt" ] || fail "bin/fixpt not installed"
+[ -f "$manual" ] || fail "share/man/man1/fixpt.1 not installed"
+readelf -d "$fixpt" | grep -qE 'RPATH|RUNPATH' && fail "the installed fixpt carries an RPATH"
+readelf -d "$fixpt" | grep -qE 'NEEDED.*(FixedPoint|kvhost)' && fail "the installed fixpt needs a library of the build"
+ldd "$fixpt" | grep -q 'not found' && fail "the installed fixpt misses a library"
+[ "$(env -u LD_LIBRARY_PATH "$fixpt" --raw 0x1B33 s4.12 | sed -n 's/^exact: *//p')" = 1.699951171875 ] \
+    || fail "the installed fixpt does not decode 0x1B33 in s4.12"
+page=$(MANWIDTH=400 man --nh --nj -l "$manual" 2>/dev/null)
+for option in $("$fixpt" --help | grep -oE '^ +(-[a-z], )?--[a-z0-9-]+' | grep -oE -- '--[a-z0-9-]+'); do
+    printf '%s\n' "$page" | grep -q -- "$option" || fail "the manual page does not show $option"
+done
+echo "fixpt: installed, runs from the prefix, manual page complete"
 echo "== install checks passed"

@@ -4,7 +4,7 @@
 # Extra package names may be passed as arguments.
 set -euo pipefail
 
-packages=(cmake make g++ pkg-config qtbase5-dev libgtest-dev libgmp-dev libbenchmark-dev "$@")
+packages=(cmake make g++ pkg-config qtbase5-dev libgtest-dev libgmp-dev libbenchmark-dev help2man "$@")
 
 missing=()
 for package in "${packages[@]}"; do

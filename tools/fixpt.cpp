@@ -1,65 +1,34 @@
-// fixpt: quantise a value into a fixed-point format from the command line.
+// fixpt: fixed-point values at the bench, from the command line.
 //
-//   fixpt VALUE FORMAT [options]        one value, printed line by line
+//   fixpt VALUE FORMAT [options]        quantise one value, printed line by line
 //   fixpt --batch FORMAT [options]      one value per stdin line, CSV out
+//   fixpt --raw PATTERN FORMAT          the value a raw pattern holds
+//   fixpt --info FORMAT                 width, range, resolution, saturation patterns
+//   fixpt --fit MIN MAX --bits N        the format a range needs
 //
-// FORMAT is INTBITS FRACBITS or compactly s4.12 / u8.0 / s-2.10; --to FORMAT
-// re-quantises every value into a second format. Exit status 0 on success,
-// 1 when --strict is given and a value saturated, 2 on usage errors.
-// Diagnostics of the library reach stderr through the host's report function.
+// Exit status 0 on success, 1 when --strict is given and a value saturated or
+// was flagged, 2 on usage errors. Diagnostics of the library reach stderr
+// through the host's report function, linked into the tool.
 #include <QCoreApplication>
 
+#include <clocale>
 #include <cstdio>
+#include <iterator>
+#include <string>
 
-#include "fixpt_batch.h"
-#include "fixpt_convert.h"
 #include "fixpt_request.h"
+#include "fixpt_run.h"
 
 namespace {
 
-void printFormat(const Fixed::fix& record)
+std::string readAll(std::FILE* input)
 {
-    std::printf("format:     %s %d bits, exp %d\n", record.sign != 0 ? "signed" : "unsigned",
-                record.bits, record.exp);
-}
-
-void printRawPattern(const Fixed::fix& record)
-{
-    // Above 64 bits the words are shown as stored: left-aligned, top word first.
-    std::printf("%-12s%s\n", record.bits <= 64 ? "raw:" : "words:", rawHex(record).c_str());
-}
-
-void printText(const Fixed::fix& record, int digitBits, int align)
-{
-    char label[16];
-    std::snprintf(label, sizeof label, "radix %d:", 1 << digitBits);
-    std::printf("%-12s%s\n", label, valueText(record, digitBits, align).c_str());
-}
-
-// The value's format, the value, its raw pattern, its text, its distance from
-// what it was made from (the input, or the quantised value for --to) and
-// whether it saturated.
-void printOutcome(const char* label, const Outcome& outcome, const Request& request)
-{
-    printFormat(outcome.record);
-    std::printf("%s%.17g\n", label, outcome.value);
-    printRawPattern(outcome.record);
-    printText(outcome.record, request.digitBits, request.align);
-    std::printf("error:      %.17g\n", outcome.error);
-    std::printf("saturated:  %s\n", outcome.saturated ? "yes" : "no");
-}
-
-// Returns whether anything saturated.
-bool runSingle(const Request& request)
-{
-    std::printf("input:      %.17g\n", request.value);
-    const Outcome quantised = quantise(request, request.value);
-    printOutcome("quantised:  ", quantised, request);
-    if (!request.reformat)
-        return quantised.saturated;
-    const Outcome converted = convert(request, quantised);
-    printOutcome("converted:  ", converted, request);
-    return quantised.saturated || converted.saturated;
+    std::string text;
+    char buffer[4096];
+    size_t count;
+    while ((count = std::fread(buffer, 1, sizeof buffer, input)) > 0)
+        text.append(buffer, count);
+    return text;
 }
 
 }  // namespace
@@ -67,7 +36,28 @@ bool runSingle(const Request& request)
 int main(int argc, char** argv)
 {
     QCoreApplication application(argc, argv);
-    const Request request = parseRequest(QCoreApplication::arguments());
-    const bool saturated = request.batch ? runBatch(request, stdin, stdout) : runSingle(request);
-    return request.strict && saturated ? EXIT_SATURATED : EXIT_OK;
+    QCoreApplication::setApplicationName(QStringLiteral("fixpt"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(FIXPT_VERSION));
+    // Qt takes the environment's locale; numbers are read and written with a
+    // decimal point whatever it says.
+    std::setlocale(LC_NUMERIC, "C");
+
+    const ParsedRequest parsed = parseRequest(QCoreApplication::arguments());
+    switch (parsed.status) {
+    case ParsedRequest::Help:
+        std::printf("%s", helpText().toLocal8Bit().constData());
+        return EXIT_OK;
+    case ParsedRequest::Version:
+        std::printf("fixpt %s\n", FIXPT_VERSION);
+        return EXIT_OK;
+    case ParsedRequest::Usage:
+        std::fprintf(stderr, "fixpt: %s\n\n%s", parsed.refusal.toLocal8Bit().constData(),
+                     helpText().toLocal8Bit().constData());
+        return EXIT_USAGE;
+    case ParsedRequest::Run:
+        break;
+    }
+    const Request& request = parsed.request;
+    const std::string batchInput = request.batch ? readAll(stdin) : std::string();
+    return runRequest(request, batchInput, stdout, stderr);
 }

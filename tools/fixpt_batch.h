@@ -1,16 +1,29 @@
-// fixpt --batch: a table of values in, a CSV table out.
+// fixpt --batch: a table of values or patterns in, a CSV table out.
 #ifndef FIXPT_BATCH_H
 #define FIXPT_BATCH_H
 
+#include <QString>
+
 #include <cstdio>
+#include <string>
+#include <vector>
 
 #include "fixpt_request.h"
 
-/// Reads every value from input (one per line; blank lines and lines starting
-/// with '#' skipped) and writes one CSV row per value to output, after a
-/// header. A line that is not a number is a usage error naming its line
-/// number; it is detected before any row is written. Returns whether any value
-/// (or its --to conversion) saturated.
-bool runBatch(const Request& request, std::FILE* input, std::FILE* output);
+/// Longest line a batch may hold, line end excluded.
+constexpr size_t maxBatchLine = 1024;
+
+struct BatchInput {
+    std::vector<Item> items;
+    QString refusal;  // the first bad line, named by number; then items is empty
+};
+
+/// Reads every line of text as an item of the request's mode; blank lines and
+/// lines starting with '#' are skipped, blanks around an item ignored.
+BatchInput readBatch(const Request& request, const std::string& text);
+
+/// Writes the CSV header and one row per item. Returns whether any row
+/// counts under --strict.
+bool writeBatch(const Request& request, const std::vector<Item>& items, std::FILE* output);
 
 #endif  // FIXPT_BATCH_H

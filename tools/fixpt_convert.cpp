@@ -1,131 +1,123 @@
-// The tool's conversions and their saturation flags. A value counts as
-// saturated when the exact rounding of its input lies outside the format and
-// was replaced by the format's bound; with --overflow wrap nothing saturates.
+// The tool's conversions. Records come from the record layer's flag variants,
+// so the saturation flag is the quantiser's own; errors are computed on exact
+// values, never on the class's double (which cancels above 64 bits).
 #include "fixpt_convert.h"
 
-#include <algorithm>
 #include <cmath>
-#include <cstdint>
-#include <cstdio>
-#include <vector>
+#include <cstring>
 
-#include "lib_fixpoint.h"
+#include "fixpt_exact.h"
+#include "lib_fixed_c.h"
 
 namespace {
 
-bool sameRecord(const Fixed::fix& a, const Fixed::fix& b)
+void addNote(Outcome& outcome, const std::string& note)
 {
-    if (a.bits != b.bits || a.exp != b.exp || a.sign != b.sign)
-        return false;
-    const int words = Fixed::recordWordCount(a.bits);
-    return std::equal(a.val, a.val + words, b.val);
+    outcome.note += (outcome.note.empty() ? "" : "; ") + note;
 }
 
-// The first quantisation asks the library's own quantiser whether it wrote a
-// saturation pattern, with the same scaled input and flags as the value itself.
-// A scaled input that is not finite never gets a saturation pattern (the
-// quantiser reports it instead); it is not passed again so that the report
-// appears once.
-bool quantiseSaturates(const Format& format, double value, const Fixed::fix& record)
+// Inputs the quantiser cannot take: it reports them and writes no rounding of
+// the input.
+std::string unquantisableNote(const Format& format, double value)
 {
-    if (format.wrap != CFixedPoint::WRAP_SATURATE || !Fixed::isMantissaWidth(record.bits))
-        return false;
-    const double scaled = Fixed::powerOfTwo(format.fracBits) * value;
-    if (!std::isfinite(scaled))
-        return false;
-    int32_t scratch[Fixed::maxWords] = {};
-    return Fixed::float2fix(scaled, record.bits, scratch, format.sign, format.round, 0) != 0;
+    if (std::isnan(value))
+        return "NaN cannot be quantised";
+    if (std::isinf(value))
+        return "an infinity cannot be quantised";
+    if (!std::isfinite(Fixed::powerOfTwo(format.fracBits) * value))
+        return "the input times 2^" + std::to_string(format.fracBits) + " overflows a double and cannot be quantised";
+    return std::string();
 }
 
-// Integer bits that hold any value of source (read under sign) after rounding
-// to the target's fractional bits, and the target's own range: one more than
-// the larger of the two, for the carry of rounding up.
-int64_t headroomIntBits(const Fixed::fix& source, const Format& target)
+// The class's constructor is the one that words the range warning the
+// firmware logs; it is built for its report only (the record and the flag
+// are the record layer's), and only for inputs it quantises without reports.
+void reportAsTheClassDoes(const Request& request, double value)
 {
-    const int64_t sourceIntBits = static_cast<int64_t>(source.bits) + source.exp;
-    return std::max<int64_t>(sourceIntBits, target.intBits) + 1;
+    const Format& format = request.format;
+    const CFixedPoint reported(value, format.intBits, format.fracBits, format.sign, format.round, format.wrap, true,
+                               request.maxValue);
+    (void)reported;
 }
 
-// A conversion saturated when the exact rounding, taken in a format wide
-// enough never to overflow, differs from the converted value widened into that
-// same format. Where no such format fits in 160 bits, the saturated result is
-// compared with the wrapped one instead (they can coincide only when the input
-// lies a whole multiple of the format's span beyond the bound).
-bool convertSaturates(CFixedPoint& source, CFixedPoint& converted, const Format& target)
+// The exact distance of result from origin, rounded to a double at the end.
+double exactError(const Fixed::fixed& result, const Dyadic& origin)
 {
-    const Fixed::fix record = converted.GetValue();
-    if (target.wrap != CFixedPoint::WRAP_SATURATE || !Fixed::isMantissaWidth(record.bits))
-        return false;
-    const int64_t wideIntBits = headroomIntBits(source.GetValue(), target);
-    if (!Fixed::isMantissaWidth(wideIntBits + target.fracBits)) {
-        CFixedPoint wrapped(source, target.intBits, target.fracBits, target.sign, target.round,
-                            CFixedPoint::WRAP_AROUND);
-        return !sameRecord(wrapped.GetValue(), record);
-    }
-    const int wide = static_cast<int>(wideIntBits);
-    CFixedPoint exact(source, wide, target.fracBits, target.sign, target.round, CFixedPoint::WRAP_AROUND);
-    CFixedPoint widened(converted, wide, target.fracBits, target.sign, CFixedPoint::ROUND_FLOOR,
-                        CFixedPoint::WRAP_AROUND);
-    return !sameRecord(exact.GetValue(), widened.GetValue());
+    return nearestDouble(difference(exactOfRecord(result), origin));
 }
 
-Outcome outcomeOf(CFixedPoint& value, double origin, bool saturated)
+bool topBitSet(const Fixed::fixed& record)
 {
-    Outcome outcome;
-    outcome.record = value.GetValue();
-    outcome.value = static_cast<double>(value);
-    outcome.error = outcome.value - origin;
-    outcome.saturated = saturated;
-    return outcome;
+    const int top = Fixed::recordWordCount(record.bits) - 1;
+    return (Fixed::asUnsigned(record.val[top]) >> 31) != 0;
+}
+
+bool samePattern(const Pattern& a, const Pattern& b)
+{
+    return std::memcmp(a.words, b.words, sizeof a.words) == 0;
 }
 
 }  // namespace
 
-Outcome quantise(const Request& request, double value)
+Outcome quantise(const Request& request, const Number& input)
 {
     const Format& format = request.format;
-    CFixedPoint quantised(value, format.intBits, format.fracBits, format.sign, format.round, format.wrap,
-                          request.warn, request.maxValue);
-    return outcomeOf(quantised, value, quantiseSaturates(format, value, quantised.GetValue()));
+    const double value = input.value;
+    const Fixed::Quantised quantised =
+        Fixed::double2fixedWithFlag(value, format.intBits, format.fracBits, format.sign, format.round, format.wrap);
+    Outcome outcome;
+    outcome.record = quantised.value;
+    outcome.saturated = quantised.saturated != 0;
+    if (input.beyondRange)
+        addNote(outcome, "the input lies beyond the double range and reads as infinity");
+    const std::string refused = unquantisableNote(format, value);
+    if (!refused.empty()) {
+        addNote(outcome, refused);
+        outcome.error = nearestDouble(exactOfRecord(outcome.record)) - value;
+        return outcome;
+    }
+    if (request.warn && !CFixedPoint::PreDecimalSufficient(value, format.intBits, format.sign, request.maxValue)) {
+        addNote(outcome, "the integer part exceeds " + std::to_string(format.intBits) + " integer bits (--warn)");
+        reportAsTheClassDoes(request, value);
+    }
+    outcome.error = exactError(outcome.record, exactOfDouble(value));
+    return outcome;
+}
+
+Outcome decode(const Request& request, const Pattern& pattern)
+{
+    const Format& format = request.format;
+    Outcome outcome;
+    if (!request.viaWords) {
+        outcome.record = recordOf(pattern, format.bits(), -format.fracBits, format.sign);
+        return outcome;
+    }
+    // The raw-word constructor takes the pattern's high and low 32 bits.
+    const unsigned int msb = pattern.words[1];
+    const unsigned int lsb = pattern.words[0];
+    const CFixedPoint value(msb, lsb, format.intBits, format.fracBits, format.sign);
+    outcome.record = value.GetValue();
+    const Pattern stored = patternOf(outcome.record);
+    if (!samePattern(stored, pattern))
+        addNote(outcome, "the raw-word constructor stored " + patternHex(stored, format.bits()) + " for " +
+                             patternHex(pattern, format.bits()));
+    return outcome;
 }
 
 Outcome convert(const Request& request, const Outcome& source)
 {
     const Format& target = request.target;
-    CFixedPoint sourceValue(source.record);
-    CFixedPoint converted(sourceValue, target.intBits, target.fracBits, target.sign, target.round,
-                          target.wrap);
-    return outcomeOf(converted, source.value, convertSaturates(sourceValue, converted, target));
-}
-
-std::string rawHex(const Fixed::fix& record)
-{
-    char digits[24];
-    if (record.bits <= 64) {
-        const CFixedPoint value(record);
-        std::snprintf(digits, sizeof digits, "0x%llX",
-                      static_cast<unsigned long long>(value.GetValueAs_uint64_t()));
-        return digits;
+    const Fixed::Quantised converted = Fixed::fixedformatWithFlag(source.record, target.intBits, target.fracBits,
+                                                                  target.sign, target.round, target.wrap);
+    Outcome outcome;
+    outcome.record = converted.value;
+    outcome.saturated = converted.saturated != 0;
+    if ((source.record.sign != 0) != (target.sign != 0) && topBitSet(source.record)) {
+        Fixed::fixed reread = source.record;
+        reread.sign = target.sign;
+        addNote(outcome, std::string("the source reads as ") + (target.sign != 0 ? "signed: " : "unsigned: ") +
+                             decimalText(exactOfRecord(reread)));
     }
-    std::string text = "0x";
-    for (int i = Fixed::recordWordCount(record.bits) - 1; i >= 0; --i) {
-        std::snprintf(digits, sizeof digits, "%08X", static_cast<unsigned int>(record.val[i]));
-        text += digits;
-        if (i > 0)
-            text += '_';
-    }
-    return text;
-}
-
-// Sized by a length query first; the terminator is ours to add.
-std::string valueText(const Fixed::fix& record, int digitBits, int align)
-{
-    const int length =
-        Fixed::fix2str2(record.val, record.bits, record.exp, nullptr, digitBits, 1, align, 0, 1);
-    if (length <= 0)
-        return std::string();
-    std::vector<char> text(static_cast<size_t>(length), '\0');
-    Fixed::fix2str2(record.val, record.bits, record.exp, &text[static_cast<size_t>(length) - 1], digitBits,
-                    1, align, 0, 0);
-    return std::string(text.begin(), text.end());
+    outcome.error = exactError(outcome.record, exactOfRecord(source.record));
+    return outcome;
 }

@@ -1,45 +1,31 @@
-// Command-line parsing of fixpt: options, positional arguments and the two
-// ways of writing a format (INTBITS FRACBITS, or compactly as s4.12 / u8.0).
+// Command-line parsing of fixpt: the mode, the positional arguments of each
+// mode and the option values. The first refusal is kept and returned; the
+// steps after it still run on defaults, which keeps each step free of early
+// exits.
 #include "fixpt_request.h"
 
 #include <QCommandLineParser>
-#include <QRegularExpression>
+#include <QCoreApplication>
 
-#include <cstdio>
-#include <cstdlib>
+#include <cmath>
+
+#include "fixpt_options.h"
 
 namespace {
 
-[[noreturn]] void usageError(const QCommandLineParser& parser, const QString& message)
+std::string bytesOf(const QString& text)
 {
-    std::fprintf(stderr, "fixpt: %s\n\n%s", message.toLocal8Bit().constData(),
-                 parser.helpText().toLocal8Bit().constData());
-    std::exit(EXIT_USAGE);
-}
-
-// Options that take a value; everything else that does not start with '-'
-// or reads as a number is a positional argument (-1.5 and -inf included).
-const char* const optionsWithValue[] = {"--round",    "--overflow", "--max",   "--to",
-                                        "--to-round", "--to-overflow", "--radix", "--align"};
-
-bool takesValue(const QString& argument)
-{
-    for (const char* option : optionsWithValue) {
-        if (argument == QLatin1String(option))
-            return true;
-    }
-    return false;
+    return text.toLocal8Bit().toStdString();
 }
 
 bool isOption(const QString& argument)
 {
-    bool isNumber = false;
-    argument.toDouble(&isNumber);
-    return argument.size() > 1 && argument.at(0) == QLatin1Char('-') && !isNumber;
+    Number number;
+    return argument.size() > 1 && argument.at(0) == QLatin1Char('-') && !readNumber(bytesOf(argument), &number);
 }
 
 // Moves positional arguments behind "--" so that negative values such as
-// -1.5 are not taken for options.
+// -1.5 and -inf are not taken for options.
 QStringList separatePositionals(const QStringList& arguments)
 {
     QStringList options;
@@ -62,209 +48,205 @@ QStringList separatePositionals(const QStringList& arguments)
     return options << QStringLiteral("--") << positionals;
 }
 
-int parseInt(const QCommandLineParser& parser, const QString& text, const QString& what)
+class RequestReader {
+public:
+    ParsedRequest read(const QStringList& arguments);
+
+private:
+    void refuse(const QString& why)
+    {
+        if (m_refusal.isEmpty())
+            m_refusal = why;
+    }
+    bool isSet(const char* option) const { return m_parser.isSet(QLatin1String(option)); }
+    QString value(const char* option) const { return m_parser.value(QLatin1String(option)); }
+
+    void readMode();
+    int readChoice(const char* option, const QStringList& choices);
+    void readFormatOptions(const char* prefix, Format* format);
+    void readFormatParts(const QStringList& parts, const char* unsignedOption, Format* format);
+    void readTarget();
+    void readPositionals();
+    void readFitOptions();
+    void readItemArgument(const QString& text, const QString& what, Item* item);
+
+    QCommandLineParser m_parser;
+    Request m_request;
+    QString m_refusal;
+};
+
+void RequestReader::readMode()
 {
-    bool ok = false;
-    const int value = text.toInt(&ok);
-    if (!ok)
-        usageError(parser, QStringLiteral("%1 is not an integer: %2").arg(what, text));
-    return value;
+    const bool raw = isSet("raw");
+    const bool info = isSet("info");
+    const bool fit = isSet("fit");
+    if (int{raw} + int{info} + int{fit} > 1)
+        refuse(QStringLiteral("--raw, --info and --fit exclude each other"));
+    m_request.mode = raw ? Mode::Decode : (info ? Mode::Info : (fit ? Mode::Fit : Mode::Quantise));
+    m_request.batch = isSet("batch");
+    const QString stray = optionOutsideMode(m_parser, m_request.mode);
+    if (!stray.isEmpty())
+        refuse(QStringLiteral("--%1 does not apply here").arg(stray));
 }
 
-template <typename Enum>
-Enum parseChoice(const QCommandLineParser& parser, const QString& option, const char* first,
-                 const char* second)
+// Index of the option's value among the choices.
+int RequestReader::readChoice(const char* option, const QStringList& choices)
 {
-    const QString text = parser.value(option);
-    if (text == QLatin1String(first))
-        return static_cast<Enum>(0);
-    if (text == QLatin1String(second))
-        return static_cast<Enum>(1);
-    usageError(parser, QStringLiteral("--%1 takes %2 or %3, not %4")
-                           .arg(option, QLatin1String(first), QLatin1String(second), text));
+    const int index = choices.indexOf(value(option));
+    if (index >= 0)
+        return index;
+    refuse(QStringLiteral("--%1 takes %2, not %3")
+               .arg(QLatin1String(option), choices.join(QStringLiteral(", ")), value(option)));
+    return 0;
 }
 
-// Index of text among the choices, as the option's value.
-int parseIndexedChoice(const QCommandLineParser& parser, const QString& option,
-                       const QStringList& choices)
+// Signedness, rounding and overflow of one format; prefix "" for the value's
+// format, "to-" for --to.
+void RequestReader::readFormatOptions(const char* prefix, Format* format)
 {
-    const QString text = parser.value(option);
-    const int index = choices.indexOf(text);
-    if (index < 0)
-        usageError(parser, QStringLiteral("--%1 takes %2, not %3")
-                               .arg(option, choices.join(QStringLiteral(", ")), text));
-    return index;
+    const std::string p = prefix;
+    format->sign = isSet((p + "unsigned").c_str()) ? CFixedPoint::SIGN_UNSIGNED : CFixedPoint::SIGN_SIGNED;
+    format->round = static_cast<CFixedPoint::ROUND>(
+        readChoice((p + "round").c_str(), {QStringLiteral("floor"), QStringLiteral("nearest")}));
+    format->wrap = static_cast<CFixedPoint::WRAP>(
+        readChoice((p + "overflow").c_str(), {QStringLiteral("saturate"), QStringLiteral("wrap")}));
 }
 
-bool isCompactFormat(const QString& text)
+// A compact format's letter must agree with the --unsigned flag when given.
+void RequestReader::readFormatParts(const QStringList& parts, const char* unsignedOption, Format* format)
 {
-    static const QRegularExpression pattern(QStringLiteral("^[su]-?\\d+\\.-?\\d+$"));
-    return pattern.match(text).hasMatch();
+    const CFixedPoint::SIGN flagged = format->sign;
+    refuse(readFormat(parts, format));
+    if (isSet(unsignedOption) && format->sign != flagged)
+        refuse(QStringLiteral("format %1 is signed but --%2 is given").arg(parts.join(QLatin1Char(' ')),
+                                                                             QLatin1String(unsignedOption)));
 }
 
-// The bits of a compact format "s4.12" (sign letter, integer bits, fractional
-// bits); the sign letter overrides the --unsigned flag unless they disagree.
-void parseCompactFormat(const QCommandLineParser& parser, const QString& text, const QString& prefix,
-                        Format* format)
+void RequestReader::readTarget()
 {
-    const bool isUnsigned = text.at(0) == QLatin1Char('u');
-    if (!isUnsigned && format->sign == CFixedPoint::SIGN_UNSIGNED)
-        usageError(parser, QStringLiteral("format %1 is signed but --%2unsigned is given").arg(text, prefix));
-    format->sign = isUnsigned ? CFixedPoint::SIGN_UNSIGNED : CFixedPoint::SIGN_SIGNED;
-    const int point = text.indexOf(QLatin1Char('.'));
-    format->intBits = parseInt(parser, text.mid(1, point - 1), QStringLiteral("INTBITS of ") + text);
-    format->fracBits = parseInt(parser, text.mid(point + 1), QStringLiteral("FRACBITS of ") + text);
+    m_request.reformat = isSet("to");
+    readFormatOptions("to-", &m_request.target);
+    if (!m_request.reformat)
+        return;
+    const QString text = value("to");
+    readFormatParts(isCompactFormat(text) ? QStringList{text} : text.split(QLatin1Char(',')), "to-unsigned",
+               &m_request.target);
 }
 
-// The value of --to: a compact format or "INTBITS,FRACBITS".
-void parseTargetBits(const QCommandLineParser& parser, const QString& text, Format* format)
+void RequestReader::readItemArgument(const QString& text, const QString& what, Item* item)
 {
-    if (isCompactFormat(text)) {
-        parseCompactFormat(parser, text, QStringLiteral("to-"), format);
+    if (!m_refusal.isEmpty())
+        return;  // a pattern is read against the format, which must be valid
+    const QString why = readItem(m_request.mode, bytesOf(text), m_request.format, item);
+    if (!why.isEmpty())
+        refuse(QStringLiteral("%1: %2").arg(what, why));
+}
+
+void RequestReader::readPositionals()
+{
+    QStringList positionals = m_parser.positionalArguments();
+    const Mode mode = m_request.mode;
+    if (mode == Mode::Fit) {
+        const int expected = m_request.batch ? 0 : 2;
+        if (positionals.size() != expected)
+            return refuse(m_request.batch ? QStringLiteral("--fit --batch reads the values from stdin")
+                                          : QStringLiteral("--fit expects MIN MAX"));
+        if (m_request.batch)
+            return;
+        Item low;
+        Item high;
+        readItemArgument(positionals.at(0), QStringLiteral("MIN"), &low);
+        readItemArgument(positionals.at(1), QStringLiteral("MAX"), &high);
+        m_request.fit.low = low.number.value;
+        m_request.fit.high = high.number.value;
+        if (m_refusal.isEmpty() && !(low.number.value <= high.number.value))
+            refuse(QStringLiteral("MIN %1 is above MAX %2").arg(positionals.at(0), positionals.at(1)));
         return;
     }
-    const QStringList parts = text.split(QLatin1Char(','));
-    if (parts.size() != 2)
-        usageError(parser, QStringLiteral("--to takes INTBITS,FRACBITS or a format such as u8.4, not %1")
-                               .arg(text));
-    format->intBits = parseInt(parser, parts.at(0), QStringLiteral("--to INTBITS"));
-    format->fracBits = parseInt(parser, parts.at(1), QStringLiteral("--to FRACBITS"));
+    const bool hasItem = (mode == Mode::Quantise || mode == Mode::Decode) && !m_request.batch;
+    if (hasItem && positionals.isEmpty())
+        return refuse(mode == Mode::Decode ? QStringLiteral("expected PATTERN FORMAT")
+                                           : QStringLiteral("expected VALUE FORMAT"));
+    const QString itemText = hasItem ? positionals.takeFirst() : QString();
+    readFormatParts(positionals, "unsigned", &m_request.format);
+    if (hasItem)
+        readItemArgument(itemText, mode == Mode::Decode ? QStringLiteral("PATTERN") : QStringLiteral("VALUE"),
+                         &m_request.item);
+    if (m_request.viaWords && m_refusal.isEmpty() && m_request.format.bits() > 64)
+        refuse(QStringLiteral("--via-words: the raw-word constructor takes formats of at most 64 bits, not %1")
+                   .arg(QString::fromStdString(compactName(m_request.format))));
 }
 
-// The positional format: one compact argument or INTBITS FRACBITS.
-void parseFormatArguments(const QCommandLineParser& parser, const QStringList& arguments, Format* format)
+void RequestReader::readFitOptions()
 {
-    if (arguments.size() == 1 && isCompactFormat(arguments.at(0))) {
-        parseCompactFormat(parser, arguments.at(0), QString(), format);
+    FitRequest& fit = m_request.fit;
+    fit.forceSigned = isSet("signed");
+    if (m_request.mode != Mode::Fit)
+        return;
+    if (isSet("bits") == isSet("resolution"))
+        return refuse(QStringLiteral("--fit takes either --bits N or --resolution R"));
+    if (isSet("bits")) {
+        bool ok = false;
+        fit.bits = value("bits").toInt(&ok);
+        if (!ok || fit.bits < 1 || fit.bits > Fixed::maxBits)
+            refuse(QStringLiteral("--bits takes 1 to %1, not %2").arg(Fixed::maxBits).arg(value("bits")));
         return;
     }
-    if (arguments.size() != 2)
-        usageError(parser, QStringLiteral("expected a format: INTBITS FRACBITS, or s4.12 / u8.0"));
-    format->intBits = parseInt(parser, arguments.at(0), QStringLiteral("INTBITS"));
-    format->fracBits = parseInt(parser, arguments.at(1), QStringLiteral("FRACBITS"));
+    Number resolution;
+    if (!readNumber(bytesOf(value("resolution")), &resolution) || !(resolution.value > 0.0) ||
+        std::isinf(resolution.value))
+        return refuse(QStringLiteral("--resolution takes a finite number above zero, not %1")
+                          .arg(value("resolution")));
+    fit.resolution = resolution.value;
 }
 
-// The options of one format: signedness, rounding and overflow, each with its
-// own option names (prefix "" for the value's format, "to-" for --to).
-Format parseFormatOptions(const QCommandLineParser& parser, const QString& prefix)
+ParsedRequest RequestReader::read(const QStringList& arguments)
 {
-    Format format;
-    format.intBits = 0;
-    format.fracBits = 0;
-    format.sign = parser.isSet(prefix + QStringLiteral("unsigned")) ? CFixedPoint::SIGN_UNSIGNED
-                                                                    : CFixedPoint::SIGN_SIGNED;
-    format.round = parseChoice<CFixedPoint::ROUND>(parser, prefix + QStringLiteral("round"), "floor",
-                                                   "nearest");
-    format.wrap = parseChoice<CFixedPoint::WRAP>(parser, prefix + QStringLiteral("overflow"), "saturate",
-                                                 "wrap");
-    return format;
-}
-
-void addFormatOptions(QCommandLineParser& parser, const QString& prefix, const QString& whose)
-{
-    parser.addOption({prefix + QStringLiteral("unsigned"),
-                      QStringLiteral("Make %1 unsigned (default: signed).").arg(whose)});
-    parser.addOption({prefix + QStringLiteral("round"),
-                      QStringLiteral("Rounding of %1: floor or nearest (default nearest).").arg(whose),
-                      QStringLiteral("mode"), QStringLiteral("nearest")});
-    parser.addOption({prefix + QStringLiteral("overflow"),
-                      QStringLiteral("Overflow of %1: saturate or wrap (default saturate).").arg(whose),
-                      QStringLiteral("mode"), QStringLiteral("saturate")});
-}
-
-void describeArguments(QCommandLineParser& parser)
-{
-    parser.setApplicationDescription(
-        QStringLiteral("Quantise VALUE into a fixed-point format, or with --batch every value read "
-                       "from stdin.\nFORMAT is INTBITS FRACBITS (integer bits include the sign bit "
-                       "of a signed format) or compactly s4.12, u8.0, s-2.10.\nExit status: 0 done, "
-                       "1 a value saturated under --strict, 2 usage error."));
-    parser.addHelpOption();
-    parser.addPositionalArgument(QStringLiteral("VALUE"),
-                                 QStringLiteral("The number to quantise (not with --batch)."));
-    parser.addPositionalArgument(QStringLiteral("FORMAT"),
-                                 QStringLiteral("INTBITS FRACBITS, or s4.12 / u8.0."));
-    addFormatOptions(parser, QString(), QStringLiteral("the format"));
-    parser.addOption({QStringLiteral("warn"),
-                      QStringLiteral("Report an integer part that does not fit INTBITS.")});
-    parser.addOption({QStringLiteral("max"),
-                      QStringLiteral("Largest integer part accepted by --warn: 2n-1 or 2n."),
-                      QStringLiteral("bound"), QStringLiteral("2n-1")});
-    parser.addOption({QStringLiteral("to"),
-                      QStringLiteral("Re-quantise the value into INTBITS,FRACBITS or a format such as "
-                                     "u8.4 as well."),
-                      QStringLiteral("format")});
-    addFormatOptions(parser, QStringLiteral("to-"), QStringLiteral("the --to format"));
-    parser.addOption({QStringLiteral("radix"),
-                      QStringLiteral("Radix of the printed text: 2, 4, 8 or 16 (default 16)."),
-                      QStringLiteral("radix"), QStringLiteral("16")});
-    parser.addOption({QStringLiteral("align"),
-                      QStringLiteral("Digit grouping of the printed text: 0 from the radix point, 1 "
-                                     "integer digits from their top bit, 2 each part from its "
-                                     "lowest bit (default 0)."),
-                      QStringLiteral("align"), QStringLiteral("0")});
-    parser.addOption({QStringLiteral("batch"),
-                      QStringLiteral("Read one value per line from stdin (blank lines and # comments "
-                                     "skipped) and write CSV to stdout.")});
-    parser.addOption({QStringLiteral("strict"),
-                      QStringLiteral("Exit with status 1 when any value saturated.")});
-}
-
-void parseArguments(QCommandLineParser& parser, const QStringList& arguments)
-{
-    describeArguments(parser);
-    if (!parser.parse(separatePositionals(arguments)))
-        usageError(parser, parser.errorText());
-    if (parser.isSet(QStringLiteral("help"))) {
-        std::printf("%s", parser.helpText().toLocal8Bit().constData());
-        std::exit(EXIT_OK);
+    ParsedRequest parsed;
+    describeOptions(m_parser);
+    if (!m_parser.parse(separatePositionals(arguments))) {
+        parsed.refusal = m_parser.errorText();
+        return parsed;
     }
-}
-
-double parseValue(const QCommandLineParser& parser, const QString& text)
-{
-    bool ok = false;
-    const double value = text.toDouble(&ok);
-    if (!ok)
-        usageError(parser, QStringLiteral("VALUE is not a number: %1").arg(text));
-    return value;
+    if (isSet("help") || isSet("help-all") || isSet("version")) {
+        parsed.status = isSet("version") ? ParsedRequest::Version : ParsedRequest::Help;
+        return parsed;
+    }
+    readMode();
+    m_request.strict = isSet("strict");
+    m_request.viaWords = isSet("via-words");
+    m_request.warn = isSet("warn");
+    m_request.maxValue =
+        static_cast<CFixedPoint::MAXVALUE>(readChoice("max", {QStringLiteral("2n-1"), QStringLiteral("2n")}));
+    readFormatOptions("", &m_request.format);
+    readTarget();
+    readFitOptions();
+    m_request.digitBits = 1 + readChoice("radix", {QStringLiteral("2"), QStringLiteral("4"), QStringLiteral("8"),
+                                                   QStringLiteral("16")});
+    m_request.align = readChoice("align", {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2")});
+    readPositionals();
+    parsed.request = m_request;
+    parsed.refusal = m_refusal;
+    parsed.status = m_refusal.isEmpty() ? ParsedRequest::Run : ParsedRequest::Usage;
+    return parsed;
 }
 
 }  // namespace
 
-void usageFailure(const QString& message)
+ParsedRequest parseRequest(const QStringList& arguments)
 {
-    std::fprintf(stderr, "fixpt: %s\n", message.toLocal8Bit().constData());
-    std::exit(EXIT_USAGE);
+    return RequestReader().read(arguments);
 }
 
-Request parseRequest(const QStringList& arguments)
+QString helpText()
 {
     QCommandLineParser parser;
-    parseArguments(parser, arguments);
-
-    Request request;
-    request.batch = parser.isSet(QStringLiteral("batch"));
-    request.strict = parser.isSet(QStringLiteral("strict"));
-    QStringList positionals = parser.positionalArguments();
-    request.value = 0.0;
-    if (!request.batch) {
-        if (positionals.isEmpty())
-            usageError(parser, QStringLiteral("expected VALUE FORMAT"));
-        request.value = parseValue(parser, positionals.takeFirst());
-    }
-    request.format = parseFormatOptions(parser, QString());
-    parseFormatArguments(parser, positionals, &request.format);
-    request.warn = parser.isSet(QStringLiteral("warn"));
-    request.maxValue = parseChoice<CFixedPoint::MAXVALUE>(parser, QStringLiteral("max"), "2n-1", "2n");
-    request.reformat = parser.isSet(QStringLiteral("to"));
-    request.target = parseFormatOptions(parser, QStringLiteral("to-"));
-    if (request.reformat)
-        parseTargetBits(parser, parser.value(QStringLiteral("to")), &request.target);
-    request.digitBits = 1 + parseIndexedChoice(parser, QStringLiteral("radix"),
-                                               {QStringLiteral("2"), QStringLiteral("4"),
-                                                QStringLiteral("8"), QStringLiteral("16")});
-    request.align = parseIndexedChoice(parser, QStringLiteral("align"),
-                                       {QStringLiteral("0"), QStringLiteral("1"), QStringLiteral("2")});
-    return request;
+    describeOptions(parser);
+    // The usage line names the program as it was started; the manual and
+    // the help should say "fixpt" wherever it lies.
+    QString text = parser.helpText();
+    const QString started = QStringLiteral("Usage: ") + QCoreApplication::arguments().value(0);
+    if (text.startsWith(started))
+        text.replace(0, started.size(), QStringLiteral("Usage: fixpt"));
+    return text;
 }

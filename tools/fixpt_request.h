@@ -1,4 +1,6 @@
-// fixpt: what the command line asks for, parsed and validated.
+// fixpt: what the command line asks for, parsed and validated. Nothing here
+// prints or exits: refusals come back as text, so that the parser can be
+// driven by a fuzzer as well as by main().
 #ifndef FIXPT_REQUEST_H
 #define FIXPT_REQUEST_H
 
@@ -6,37 +8,49 @@
 #include <QStringList>
 
 #include "FixedPoint.h"
+#include "fixpt_format.h"
+#include "fixpt_item.h"
 
-struct Format {
-    int intBits;
-    int fracBits;
-    CFixedPoint::SIGN sign;
-    CFixedPoint::ROUND round;
-    CFixedPoint::WRAP wrap;
+/// --fit: the range to hold and how the width is chosen.
+struct FitRequest {
+    double low = 0.0;     // MIN (single mode)
+    double high = 0.0;    // MAX (single mode)
+    int bits = 0;         // --bits N, or 0 with --resolution
+    double resolution = 0.0;
+    bool forceSigned = false;
 };
 
 struct Request {
-    double value;   // the single value (unused in batch mode)
-    bool batch;     // values come from stdin, one per line, CSV goes to stdout
-    bool strict;    // a saturated value makes the exit status 1
+    Mode mode = Mode::Quantise;
+    bool batch = false;    // items come from stdin, one per line; CSV goes to stdout
+    bool strict = false;   // a saturated or flagged value makes the exit status 1
+    bool viaWords = false; // decode through the class's raw-word constructor
+    Item item;             // the single VALUE or PATTERN
     Format format;
-    bool warn;
-    CFixedPoint::MAXVALUE maxValue;
-    bool reformat;
-    Format target;  // the format of --to, when reformat is set
-    int digitBits;  // bits per digit of the printed text: 1 to 4
-    int align;      // digit grouping of the printed text: 0, 1 or 2
+    bool warn = false;
+    CFixedPoint::MAXVALUE maxValue = CFixedPoint::MAXVALUE_2N_MINUS_1;
+    bool reformat = false;
+    Format target;         // the format of --to, when reformat is set
+    int digitBits = 4;     // bits per digit of the printed text: 1 to 4
+    int align = 0;         // digit grouping of the printed text: 0, 1 or 2
+    FitRequest fit;
 };
 
 /// Exit statuses of the tool.
-enum ExitStatus { EXIT_OK = 0, EXIT_SATURATED = 1, EXIT_USAGE = 2 };
+enum ExitStatus { EXIT_OK = 0, EXIT_FLAGGED = 1, EXIT_USAGE = 2 };
 
-/// Parses the arguments (the program name first). Prints the help and exits 0
-/// for --help; prints a message with the usage and exits 2 for anything
-/// malformed.
-Request parseRequest(const QStringList& arguments);
+struct ParsedRequest {
+    enum Status { Run, Help, Version, Usage };
+    Status status = Usage;
+    Request request;
+    QString refusal;  // why the arguments were refused (Usage)
+};
 
-/// Prints "fixpt: message" to stderr and exits with the usage status.
-[[noreturn]] void usageFailure(const QString& message);
+/// Parses the arguments (the program name first).
+ParsedRequest parseRequest(const QStringList& arguments);
+
+/// The text --help prints, naming the program "fixpt". Needs the
+/// application object.
+QString helpText();
 
 #endif  // FIXPT_REQUEST_H
