@@ -142,7 +142,7 @@ ldd "$fixpt" | grep -q 'not found' && fail "the installed fixpt misses a library
     || fail "the installed fixpt does not decode 0x1B33 in s4.12"
 page=$(MANWIDTH=400 man --nh --nj -l "$manual" 2>/dev/null)
 for option in $("$fixpt" --help | grep -oE '^ +(-[a-z], )?--[a-z0-9-]+' | grep -oE -- '--[a-z0-9-]+'); do
-    printf '%s\n' "$page" | grep -q -- "$option" || fail "the manual page does not show $option"
+    grep -q -e "$option" <<<"$page" || fail "the manual page does not show $option"
 done
 echo "fixpt: installed, runs from the prefix, manual page complete"
 echo "== install checks passed"
