@@ -95,31 +95,44 @@ private:
     std::vector<Pattern> m_wide;
 };
 
-// Raw patterns out: a uint64 array up to 64 bits, an object array of Python
-// ints above (collected as words first, converted once the GIL is back).
-class PatternOutput {
+// Results of the quantisers: raw patterns (a uint64 array up to 64 bits, an
+// object array of Python ints above, collected as words first and converted
+// once the GIL is back) and the saturation flags.
+class QuantisedOutput {
 public:
-    PatternOutput(const Shape& shape, int bits) : m_shape(shape), m_bits(bits) {}
+    QuantisedOutput(const Shape& shape, int bits) : m_shape(shape), m_bits(bits), m_saturated(shape) {}
 
-    // Writes produce(i)'s record for every i, with the GIL released.
+    // Stores produce(i) for every i, with the GIL released. produce returns
+    // the library's result itself, which is read where the library wrote it
+    // (a copy of the record in between would cost more than the conversion).
     template <class Produce>
     void fill(size_t count, Produce produce)
     {
+        bool* flags = m_saturated.mutable_data();
         if (m_bits <= 64) {
             m_narrow = py::array_t<uint64_t>(m_shape);
             uint64_t* out = m_narrow.mutable_data();
             py::gil_scoped_release release;
-            for (size_t i = 0; i < count; ++i)
-                out[i] = pattern64Of(produce(i));
+            for (size_t i = 0; i < count; ++i) {
+                const Fixed::Quantised q = produce(i);
+                out[i] = pattern64Of(q.value);
+                flags[i] = q.saturated != 0;
+            }
         } else {
             m_wide.resize(count);
             py::gil_scoped_release release;
-            for (size_t i = 0; i < count; ++i)
-                m_wide[i] = patternOf(produce(i));
+            for (size_t i = 0; i < count; ++i) {
+                const Fixed::Quantised q = produce(i);
+                m_wide[i] = patternOf(q.value);
+                flags[i] = q.saturated != 0;
+            }
         }
     }
 
-    py::array finish()
+    py::tuple finish() { return py::make_tuple(rawPatterns(), m_saturated); }
+
+private:
+    py::array rawPatterns()
     {
         if (m_bits <= 64)
             return m_narrow;
@@ -131,9 +144,9 @@ public:
         return objects;
     }
 
-private:
     Shape m_shape;
     int m_bits;
+    py::array_t<bool> m_saturated;
     py::array_t<uint64_t> m_narrow;
     std::vector<Pattern> m_wide;
 };
@@ -143,17 +156,11 @@ py::tuple quantize(const py::array_t<double, py::array::c_style>& values, int in
 {
     checkWidth(static_cast<long long>(intbits) + fracbits);
     ReportScope reports;
-    const Shape shape = shapeOf(values);
     const double* in = values.data();
-    py::array_t<bool> saturated(shape);
-    bool* flags = saturated.mutable_data();
-    PatternOutput raw(shape, intbits + fracbits);
-    raw.fill(static_cast<size_t>(values.size()), [&](size_t i) {
-        const Fixed::Quantised q = Fixed::double2fixedWithFlag(in[i], intbits, fracbits, sign, round, wrap);
-        flags[i] = q.saturated != 0;
-        return q.value;
-    });
-    py::tuple result = py::make_tuple(raw.finish(), saturated);
+    QuantisedOutput output(shapeOf(values), intbits + fracbits);
+    output.fill(static_cast<size_t>(values.size()),
+                [&](size_t i) { return Fixed::double2fixedWithFlag(in[i], intbits, fracbits, sign, round, wrap); });
+    py::tuple result = output.finish();
     reports.emit();
     return result;
 }
@@ -182,18 +189,12 @@ py::tuple requantize(const py::array& raw, int srcIntbits, int srcFracbits, int 
     checkWidth(static_cast<long long>(intbits) + fracbits);
     ReportScope reports;
     const RawPatterns patterns(raw, srcIntbits + srcFracbits);
-    const Shape shape = shapeOf(raw);
-    py::array_t<bool> saturated(shape);
-    bool* flags = saturated.mutable_data();
-    PatternOutput converted(shape, intbits + fracbits);
+    QuantisedOutput output(shapeOf(raw), intbits + fracbits);
     const int srcExp = Fixed::wrappingNegate(srcFracbits);
-    converted.fill(patterns.size(), [&](size_t i) {
-        const Fixed::Quantised q =
-            Fixed::fixedformatWithFlag(patterns.record(i, srcExp, srcSign), intbits, fracbits, sign, round, wrap);
-        flags[i] = q.saturated != 0;
-        return q.value;
+    output.fill(patterns.size(), [&](size_t i) {
+        return Fixed::fixedformatWithFlag(patterns.record(i, srcExp, srcSign), intbits, fracbits, sign, round, wrap);
     });
-    py::tuple result = py::make_tuple(converted.finish(), saturated);
+    py::tuple result = output.finish();
     reports.emit();
     return result;
 }

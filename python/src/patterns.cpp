@@ -32,13 +32,6 @@ Pattern patternOf(const Fixed::fix& record)
     return pattern;
 }
 
-uint64_t pattern64Of(const Fixed::fix& record)
-{
-    const uint64_t low = Fixed::asUnsigned(record.val[0]);
-    const uint64_t words = record.bits > 32 ? (uint64_t{Fixed::asUnsigned(record.val[1])} << 32) | low : low;
-    return words >> padBits(record.bits);
-}
-
 bool fitsWidth(const Pattern& pattern, int bits)
 {
     for (int i = 0; i < Fixed::maxWords; ++i) {

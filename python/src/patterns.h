@@ -21,8 +21,15 @@ struct Pattern {
 /// mantissa are dropped, words above the width are zero. The record's width
 /// must lie within 1 to 160.
 Pattern patternOf(const Fixed::fix& record);
-/// The same for a width of at most 64 bits.
-uint64_t pattern64Of(const Fixed::fix& record);
+/// The same for a width of at most 64 bits. Inline: it runs once per
+/// element of the array calls.
+inline uint64_t pattern64Of(const Fixed::fix& record)
+{
+    const uint64_t low = static_cast<uint32_t>(record.val[0]);
+    const uint64_t words = record.bits > 32 ? (uint64_t{static_cast<uint32_t>(record.val[1])} << 32) | low : low;
+    const int pad = (record.bits > 32 ? 64 : 32) - record.bits;
+    return words >> pad;
+}
 
 /// Whether the pattern has no bit at or above `bits`.
 bool fitsWidth(const Pattern& pattern, int bits);
