@@ -1,10 +1,7 @@
-"""An exact model of the library's numbers on Python integers and Fractions.
-
-Independent of the package: doubles are read exactly, rounded by floor or
-half up, saturated or wrapped. Where the library's documented double steps
-differ from exact arithmetic (wrap-around above 53 bits, the word-by-word sum
-back to a double above 64 bits) the model follows those documented steps.
-"""
+"""An exact model of the library's numbers on Python ints and Fractions: doubles
+read exactly, floored or rounded half up, saturated or wrapped. Where the
+documented double steps depart from exact arithmetic (wrap-around above 53
+bits, the sum back to a double above 64 bits) it follows those steps."""
 
 import math
 from fractions import Fraction

@@ -44,18 +44,15 @@ def test_inexact_or_foreign_values_are_refused(values):
     (lambda: fixpt.to_float(np.array([0x10000]), "s4.12"), ValueError),       # wider than the format
     (lambda: fixpt.to_float(np.array([2**80], dtype=object), "u80.0"), ValueError),
     (lambda: fixpt.to_float(np.array([2**200], dtype=object), "u160.0"), ValueError),
+    (lambda: fixpt.Fixed.from_raw(0x10000, "s4.12"), ValueError),
     (lambda: fixpt.requantize(np.array([-1]), "s4.12", "s8.4"), ValueError),
     (lambda: fixpt.requantize(np.array([-1], dtype=object), "s80.4", "s8.4"), ValueError),
     (lambda: fixpt.to_float(np.array([1.0]), "s4.12"), TypeError),
     (lambda: fixpt.to_float(np.array([1.5], dtype=object), "s80.12"), TypeError),
-    (lambda: fixpt.Fixed.from_raw(0x10000, "s4.12"), ValueError),
-    (lambda: fixpt.Fixed.from_words(2**32, 0, "s40.0"), ValueError),
-    (lambda: fixpt.Fixed(1.5, "s4.12") * fixpt.Fixed(1.5, "s100.50"), ValueError),
     (lambda: fixpt.quantize([1.0], "s4.12", rounding="half-even"), ValueError),
     (lambda: fixpt.quantize([1.0], "s4.12", overflow="clip"), ValueError),
-    (lambda: fixpt.Fixed(1.0, "s4.12", max_value="2n+1"), ValueError),
-    (lambda: fixpt.Fixed(1.0, "s4.12").to_string(radix=10), ValueError),
-    (lambda: fixpt.quantize([1.0], (4, 12)), TypeError),
+    (lambda: fixpt.Format("s0.0"), ValueError), (lambda: fixpt.Format("u100.61"), ValueError),
+    (lambda: fixpt.Format(2**30 + 10, -(2**30 + 5)), ValueError), (lambda: fixpt.Format(4, 12.0), TypeError),
 ])
 def test_bad_arguments_are_refused(call, error):
     with pytest.raises(error):
@@ -67,7 +64,6 @@ def test_bad_arguments_are_refused(call, error):
     (lambda: _core.quantize(VALUES[:, ::2], 4, 12, 1, 1, 0), TypeError),
     (lambda: _core.quantize(VALUES.astype(">f8"), 4, 12, 1, 1, 0), TypeError),
     (lambda: _core.quantize(VALUES, 100, 61, 1, 1, 0), ValueError),
-    (lambda: _core.to_float(np.arange(3), 4, 12, 1), TypeError),
     (lambda: _core.to_float(np.arange(4, dtype=np.uint64)[::2], 4, 12, 1), TypeError),
     (lambda: _core.requantize(np.array([1], dtype=np.uint64), 4, 12, 1, 0, 0, 1, 1, 0), ValueError),
 ])

@@ -30,13 +30,6 @@ FORMATS = [  # (format, rounding, overflow, target, target rounding, target over
 ]
 
 
-def table():
-    rng = np.random.default_rng(12)
-    values = np.concatenate([rng.normal(0, 4, 40), rng.uniform(-1e6, 1e6, 10), np.arange(-16, 17) / 4,
-                             [0.0, -0.0, 1e-30, 2.0**31, -2.0**31, 1e300, np.nan, np.inf, -np.inf]])
-    return values
-
-
 def run_tool(fmt, rounding, overflow, target, target_rounding, target_overflow, values):
     command = [TOOL, "--batch", fmt, "--round", rounding, "--overflow", overflow, "--to", target,
                "--to-round", target_rounding, "--to-overflow", target_overflow]
@@ -47,7 +40,9 @@ def run_tool(fmt, rounding, overflow, target, target_rounding, target_overflow, 
 
 @pytest.mark.parametrize("fmt, rounding, overflow, target, target_rounding, target_overflow", FORMATS)
 def test_raw_patterns_match_the_tool(fmt, rounding, overflow, target, target_rounding, target_overflow):
-    values = table()
+    rng = np.random.default_rng(12)
+    values = np.concatenate([rng.normal(0, 4, 40), rng.uniform(-1e6, 1e6, 10), np.arange(-16, 17) / 4,
+                             [0.0, -0.0, 1e-30, 2.0**31, -2.0**31, 1e300, np.nan, np.inf, -np.inf]])
     rows = run_tool(fmt, rounding, overflow, target, target_rounding, target_overflow, values)
     with warnings.catch_warnings():
         warnings.simplefilter("ignore", fixpt.FixedPointWarning)
