@@ -33,8 +33,8 @@ CFixedPoint fromDouble(double value, int intbits, int fracbits, int sign, int ro
 // Exact: the record is built from the pattern itself, at any width.
 CFixedPoint fromPattern(py::handle raw, int intbits, int fracbits, int sign)
 {
-    const int bits = intbits + fracbits;
     checkWidth(static_cast<long long>(intbits) + fracbits);
+    const int bits = intbits + fracbits;
     const Pattern pattern = patternFromPython(raw);
     if (!fitsWidth(pattern, bits))
         throw py::value_error("raw pattern " + py::repr(raw).cast<std::string>() + " is wider than " +
