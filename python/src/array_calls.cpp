@@ -57,8 +57,10 @@ public:
 
     Fixed::fix record(size_t i, int exp, int sign) const
     {
-        return m_narrow != nullptr ? recordOf64(m_narrow[i], m_bits, exp, sign)
-                                   : recordOf(m_wide[i], m_bits, exp, sign);
+        if (m_narrow == nullptr)
+            return recordOf(m_wide[i], m_bits, exp, sign);
+        return m_bits <= 64 ? recordOf64(m_narrow[i], m_bits, exp, sign)
+                            : recordOf(patternOf64(m_narrow[i]), m_bits, exp, sign);
     }
 
 private:

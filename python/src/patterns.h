@@ -31,6 +31,12 @@ inline uint64_t pattern64Of(const Fixed::fix& record)
     return words >> pad;
 }
 
+/// A 64-bit pattern in words.
+inline Pattern patternOf64(uint64_t pattern)
+{
+    return {{static_cast<uint32_t>(pattern), static_cast<uint32_t>(pattern >> 32), 0u, 0u, 0u}};
+}
+
 /// Whether the pattern has no bit at or above `bits`.
 bool fitsWidth(const Pattern& pattern, int bits);
 inline bool fitsWidth(uint64_t pattern, int bits)
@@ -41,6 +47,7 @@ inline bool fitsWidth(uint64_t pattern, int bits)
 /// A record of the format holding the pattern (which must fit the width)
 /// left-aligned, pad bits and unused words zero.
 Fixed::fix recordOf(const Pattern& pattern, int bits, int exp, int sign);
+/// The same for a width of at most 64 bits.
 Fixed::fix recordOf64(uint64_t pattern, int bits, int exp, int sign);
 
 /// The pattern as a Python int.

@@ -1,6 +1,7 @@
 """Raw patterns re-quantised between formats, against the exact model."""
 
 import numpy as np
+import pytest
 from hypothesis import given
 from hypothesis import strategies as st
 
@@ -20,8 +21,11 @@ def test_requantize_matches_the_model_and_the_class(data, src, dst, rounding, ov
         p for p, _ in expected]
 
 
-def test_uint64_and_object_inputs_agree():
-    patterns = [0, 1, 2**63, 2**64 - 1]
-    as_uint64 = fixpt.requantize(np.array(patterns, dtype=np.uint64), "u64.0", "u100.-40")
-    as_ints = fixpt.requantize(np.array(patterns, dtype=object), "u64.0", "u100.-40")
-    assert as_uint64.tolist() == as_ints.tolist() == [0, 0, 2**23, 2**24]
+@pytest.mark.parametrize("src", ["u64.0", "s67.-3", "u100.0", "s150.10"])
+def test_uint64_and_object_inputs_agree(src):
+    src, dst, patterns = fixpt.Format(src), fixpt.Format("u100.-40"), [0, 1, 2**63, 2**64 - 1]
+    as_uint64 = fixpt.requantize(np.array(patterns, dtype=np.uint64), src, dst)
+    as_ints = fixpt.requantize(np.array(patterns, dtype=object), src, dst)
+    expected = [model.requantize(p, src, dst, nearest=True, wrap=False)[0] for p in patterns]
+    assert as_uint64.tolist() == as_ints.tolist() == expected
+    assert fixpt.to_float(np.array(patterns, dtype=np.uint64), src).tolist() == [model.to_float(p, src) for p in patterns]
