@@ -163,7 +163,7 @@ py::tuple quantize(const py::array_t<double, py::array::c_style>& values, int in
     output.fill(static_cast<size_t>(values.size()),
                 [&](size_t i) { return Fixed::double2fixedWithFlag(in[i], intbits, fracbits, sign, round, wrap); });
     py::tuple result = output.finish();
-    reports.emit();
+    reports.issueWarnings();
     return result;
 }
 
@@ -180,7 +180,7 @@ py::array_t<double> toFloat(const py::array& raw, int intbits, int fracbits, int
         for (size_t i = 0; i < patterns.size(); ++i)
             out[i] = Fixed::fixed2double(patterns.record(i, exp, sign));
     }
-    reports.emit();
+    reports.issueWarnings();
     return result;
 }
 
@@ -197,7 +197,7 @@ py::tuple requantize(const py::array& raw, int srcIntbits, int srcFracbits, int 
         return Fixed::fixedformatWithFlag(patterns.record(i, srcExp, srcSign), intbits, fracbits, sign, round, wrap);
     });
     py::tuple result = output.finish();
-    reports.emit();
+    reports.issueWarnings();
     return result;
 }
 

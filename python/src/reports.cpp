@@ -25,7 +25,7 @@ ReportScope::ReportScope()
     collectedReports().clear();
 }
 
-void ReportScope::emit()
+void ReportScope::issueWarnings()
 {
     // Taken out first: a warning handler may call the module again, which
     // starts its own scope on this thread.

@@ -18,28 +18,29 @@ struct Report {
 };
 
 /// The reports of one call of the module, on its own thread. Construct it
-/// before calling into the library; call emit() with the GIL held once the
-/// results are complete. A warning turned into an exception by the warning
-/// filters propagates from emit(), after every result has been computed.
+/// before calling into the library; call issueWarnings() with the GIL held
+/// once the results are complete. A warning turned into an exception by the
+/// warning filters propagates from there, after every result is computed.
+/// (Not "emit": Qt defines that word as a macro.)
 class ReportScope {
 public:
     ReportScope();
     ReportScope(const ReportScope&) = delete;
     ReportScope& operator=(const ReportScope&) = delete;
-    void emit();
+    void issueWarnings();
 };
 
 /// The reports collected on this thread since the current scope began.
 std::vector<Report>& collectedReports();
 
-/// Runs compute (which calls the library with the GIL held) and emits its
-/// reports afterwards; returns compute's result.
+/// Runs compute (which calls the library with the GIL held) and issues its
+/// reports as warnings afterwards; returns compute's result.
 template <class Compute>
 auto withReports(Compute compute)
 {
     ReportScope reports;
     auto result = compute();
-    reports.emit();
+    reports.issueWarnings();
     return result;
 }
 
