@@ -55,8 +55,8 @@ def main():
     print(f"{'case':<34}{'ns/value':>10}{'Mvalues/s':>11}")
     rows = [("fixpt.quantize s4.12", per_value), ("NumPy expression s4.12", plain / args.count),
             ("Python loop over fixpt.Fixed s4.12", loop)]
-    for spec in ("s32.32", "s80.80"):
-        rows.append((f"fixpt.quantize {spec}", best_time(lambda: fixpt.quantize(values, spec), 3) / args.count))
+    for name in ("s32.32", "s80.80"):
+        rows.append((f"fixpt.quantize {name}", best_time(lambda: fixpt.quantize(values, name), 3) / args.count))
     for name, seconds in rows:
         print(f"{name:<34}{seconds * 1e9:>10.1f}{1e-6 / seconds:>11.1f}")
     print(f"quantize / NumPy expression: {library / plain:.2f}x the time (goal: within 2x)")

@@ -89,12 +89,12 @@ def test_repr_reading_and_hashing():
         hash(x)
 
 
-@pytest.mark.parametrize("spec, bits, lowest, highest", [
+@pytest.mark.parametrize("text, bits, lowest, highest", [
     ("s4.12", 16, -8, Fraction(32767, 4096)), ("u8.0", 8, 0, 255), ("s-2.10", 8, Fraction(-1, 8), Fraction(127, 1024)),
     ("u12.-4", 8, 0, 255 * 16), ("s1.0", 1, -1, 0),
 ])
-def test_format_bounds(spec, bits, lowest, highest):
-    fmt = fixpt.Format(spec)
-    assert (fmt.bits, fmt.min, fmt.max, fmt.resolution, str(fmt)) == (bits, lowest, highest, 2 ** Fraction(fmt.exp), spec)
+def test_format_bounds(text, bits, lowest, highest):
+    fmt = fixpt.Format(text)
+    assert (fmt.bits, fmt.min, fmt.max, fmt.resolution, str(fmt)) == (bits, lowest, highest, 2 ** Fraction(fmt.exp), text)
     same = fixpt.Format(fmt.intbits, fmt.fracbits, signed=fmt.signed)
     assert same == fmt and hash(same) == hash(fmt) and same != fixpt.Format(fmt.intbits + 1, fmt.fracbits - 1)
