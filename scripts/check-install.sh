@@ -21,6 +21,10 @@ cmake -S . -B "$build" -DCMAKE_BUILD_TYPE=Release -DFIXEDPOINT_WERROR=ON \
     -DCMAKE_INSTALL_PREFIX="$work/full" -DCMAKE_INSTALL_LIBDIR=lib >/dev/null
 cmake --build "$build" -j"$jobs" --target FixedPoint kvhost fixpt fixpt_manual
 
+# The Python package fixpt installs with everything else: its module too.
+python=/usr/bin/python3
+cmake --build "$build" -j"$jobs" --target fixpt_python_core
+
 echo "== install: everything into $work/full, library only into $work/lib-only"
 cmake --install "$build" >/dev/null
 for component in Runtime Development; do
@@ -145,4 +149,21 @@ for option in $("$fixpt" --help | grep -oE '^ +(-[a-z], )?--[a-z0-9-]+' | grep -
     grep -q -e "$option" <<<"$page" || fail "the manual page does not show $option"
 done
 echo "fixpt: installed, runs from the prefix, manual page complete"
+
+# The Python package from the installed prefix alone: Debian's layout, the
+# compiled module with neither libFixedPoint.so nor the stand-in, only its init
+# function exported, nothing of it in the library components.
+echo "== Python package fixpt from $work/full"
+site=$work/full/lib/python3/dist-packages
+[ -f "$site/fixpt/__init__.py" ] || fail "fixpt is not installed under lib/python3/dist-packages"
+module=$(ls "$site"/fixpt/_core*.so) || fail "fixpt's compiled module is not installed"
+readelf -d "$module" | grep -qE 'NEEDED.*(libFixedPoint|libkvhost)' \
+    && fail "fixpt's module needs libFixedPoint.so or the host stand-in"
+[ "$(nm -D --defined-only "$module" | awk '{print $3}')" = PyInit__core ] \
+    || fail "fixpt's module exports more than its init function"
+[ -e "$moved/lib/python3" ] && fail "the Python package leaked into the library components"
+out=$(cd "$work" && env -u LD_LIBRARY_PATH PYTHONPATH="$site" "$python" -c \
+    'import fixpt; print(hex(fixpt.quantize(1.7, "s4.12")), fixpt.Fixed(1.7, "s4.12").to_string())')
+echo "$out"
+[ "$out" = "0x1b33 1.B33" ] || fail "fixpt from the installed prefix printed unexpected values"
 echo "== install checks passed"

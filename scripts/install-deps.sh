@@ -4,7 +4,11 @@
 # Extra package names may be passed as arguments.
 set -euo pipefail
 
-packages=(cmake make g++ pkg-config qtbase5-dev libgtest-dev libgmp-dev libbenchmark-dev help2man "$@")
+# The Python package fixpt: pybind11 and Debian's interpreter with its headers
+# and NumPy; its tests run under pytest with Hypothesis.
+python_packages=(pybind11-dev python3-dev python3-numpy python3-pytest python3-hypothesis)
+packages=(cmake make g++ pkg-config qtbase5-dev libgtest-dev libgmp-dev libbenchmark-dev help2man
+          "${python_packages[@]}" "$@")
 
 missing=()
 for package in "${packages[@]}"; do

@@ -31,6 +31,8 @@ stage() {
 }
 
 stage tests run_suite build-test -DCMAKE_BUILD_TYPE=RelWithDebInfo
+# The sanitizer build includes the Python package: its tests run the module
+# under ASan and UBSan (preloaded into the interpreter, see python/tests/).
 stage sanitizers run_suite build-asan -DCMAKE_BUILD_TYPE=Debug -DFIXEDPOINT_SANITIZE=address,undefined
 stage install scripts/check-install.sh
 stage docs scripts/docs.sh
