@@ -1,9 +1,8 @@
 """The package and the fixpt tool give the same raw patterns for one table.
 
-The tool's CSV is read by its header names. Its raw column is the exact
-right-aligned pattern up to 53 bits today (wider patterns pass through a
-double or print as stored words), so the formats here stay within 53 bits;
-once the tool prints the exact pattern at every width, widen FORMATS.
+The tool's CSV is read by its header names. Both read the pattern exactly
+from the record's words, so the table reaches the widths where a reading
+through a double would differ (54 to 64 bits) and those above 64 bits.
 """
 
 import csv
@@ -27,6 +26,10 @@ FORMATS = [  # (format, rounding, overflow, target, target rounding, target over
     ("u32.0", "floor", "saturate", "s17.-15", "nearest", "wrap"),
     ("s-2.10", "nearest", "saturate", "u3.50", "floor", "saturate"),
     ("s40.13", "floor", "saturate", "s20.33", "nearest", "saturate"),
+    ("s40.24", "nearest", "saturate", "u60.4", "floor", "saturate"),
+    ("u60.3", "floor", "wrap", "s33.31", "nearest", "wrap"),
+    ("s100.60", "nearest", "saturate", "s70.10", "nearest", "saturate"),
+    ("u90.70", "floor", "wrap", "u160.0", "floor", "saturate"),
 ]
 
 
@@ -50,7 +53,6 @@ def test_raw_patterns_match_the_tool(fmt, rounding, overflow, target, target_rou
     converted = fixpt.requantize(raw, fmt, target, target_rounding, target_overflow)
     assert len(rows) == len(values)
     for row, v, r, s, c in zip(rows, values, raw.tolist(), saturated.tolist(), converted.tolist()):
-        assert (int(row["raw"], 16), int(row["converted_raw"], 16)) == (r, c), row
-        # The tool counts no infinite input as saturated; the package gives
-        # the quantiser's own flag, which is set when floor saturates one.
-        assert row["saturated"] == ("yes" if s else "no") or not np.isfinite(v), row
+        assert (int(row["raw"], 16), int(row["to_raw"], 16)) == (r, c), row
+        # Both give the quantiser's own flag, infinities included.
+        assert row["saturated"] == ("yes" if s else "no"), row
