@@ -78,12 +78,7 @@ fixed combineWordwise(const fixed& a, const fixed& b, const char* function, cons
 Quantised double2fixedWithFlag(double value, int intbits, int fracbits, int sign, int round,
                                int wrap)
 {
-    // Words above the width carry nothing; they are zeroed so that records
-    // built here compare and copy deterministically.
-    Quantised result = {};
-    result.value.sign = sign;
-    result.value.bits = wrappingAdd(intbits, fracbits);
-    result.value.exp = wrappingNegate(fracbits);
+    Quantised result{blankRecordInFormat(intbits, fracbits, sign), 0};
     if (hasArgumentToReport(sign, round, wrap, result.value.bits))
         result.saturated = reportAndQuantise(result.value, value, fracbits, sign, round, wrap);
     else

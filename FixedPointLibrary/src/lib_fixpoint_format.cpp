@@ -1,5 +1,5 @@
-// Format conversion on mantissa words: the five kernels behind fixedformat and
-// the word-array routine fixformat.
+// Format conversion on mantissa words: the one conversion behind fixformat,
+// fixedformat and the five kernels.
 //
 // Every conversion is the same few steps on left-aligned words, with bit
 // positions counted from the top of the source (0 = its top bit) and the
@@ -7,13 +7,16 @@
 // gained, negative when integer bits are lost):
 //   1. range check of the lost integer bits (unless wrapping around), which
 //      may end the conversion with a saturation pattern;
-//   2. shifted copy of the kept source bits, sign-extended above the source's
-//      top, the lowest copied word masked so that dropped bits and the
-//      source's pad bits stay out;
+//   2. shifted copy: destination word j is the 32 source bits from position
+//      32 j - d, sign extension above the source's top and zeros below its
+//      last bit, the lowest word cut to the destination's width;
 //   3. rounding: one unit in the last place when the most significant dropped
 //      bit is set, carried upward, with an overflow test after the carry.
-// The kernels differ only in what they are told about the source, so each one
-// states how many source bits it may read and hands over to convertWords.
+// The source is first read once into a small window (extension word, source
+// words, zero word), so that every later read is one clamped load and whole
+// words move at once. Formats of up to 64 bits take the same steps on one
+// 64-bit integer. The kernels differ only in what they are told about the
+// source, so each states how many source bits it may read.
 // Nothing here allocates or touches floating point; no source word outside
 // the bits a caller vouches for is read and no destination word outside the
 // result's words in use is written.
@@ -24,247 +27,161 @@
 namespace Fixed {
 namespace {
 
-// floor(position / 32) for negative positions too.
-int wordIndexOf(int position)
+// A bit position split into its word (floor(position / 32), negative
+// positions included) and the bit within it. Positions stay within a few
+// thousand bits (shifts are clamped to +-1024), so a bias keeps the division
+// on non-negative numbers.
+struct WordPosition {
+    int index;
+    int offset;
+};
+
+WordPosition wordPositionOf(int position)
 {
-    return position >= 0 ? position / 32 : -((31 - position) / 32);
+    constexpr int bias = 1 << 14;
+    const int biased = position + bias;
+    return {biased / 32 - bias / 32, biased % 32};
 }
 
-// The source mantissa read from its top word down, bounded to the words that
-// exist. Positions above the top read as the sign extension (all ones for a
-// negative signed source), positions below the last readable bit as zero.
-// The lowest readable word is masked to its mantissa bits, so pad bits never
-// take part.
-class SourceBits {
+// The source mantissa, top word first, framed by the word that stands for
+// everything above it (all ones for a negative signed source, else zero) and
+// a zero word for everything below its last bit. The lowest source word is
+// cut to its mantissa bits, so pad bits never take part.
+class SourceWindow {
 public:
-    // A width outside 1..160 is no mantissa: nothing of it is read.
-    SourceBits(const int32_t* top, int bits, int sign)
-        : m_top(top),
-          m_bits(bits),
-          m_words(isMantissaWidth(bits) ? wordCount(bits) : 0),
-          m_lowMask(isMantissaWidth(bits) ? highmask[bits % 32] : 0u),
-          m_extension(m_words > 0 && sign != 0 && (asUnsigned(top[0]) & 0x80000000u) != 0u
-                          ? 0xFFFFFFFFu
-                          : 0u)
+    // bits must lie in 1..160.
+    SourceWindow(const int32_t* top, int bits, int sign)
+        : m_last(wordCount(bits) + 1),
+          m_extension(sign != 0 && (asUnsigned(top[0]) & 0x80000000u) != 0u ? 0xFFFFFFFFu : 0u)
     {
+        m_words[0] = m_extension;
+        for (int i = 1; i < m_last; ++i)
+            m_words[i] = asUnsigned(top[1 - i]);
+        m_words[m_last - 1] &= highmask[bits % 32];
+        m_words[m_last] = 0u;
     }
 
-    bool isValid() const { return m_words > 0; }
-
-    int bits() const { return m_bits; }
-    int words() const { return m_words; }
     bool isNegative() const { return m_extension != 0u; }
 
-    // Source word i places below the top.
+    // Source word i places below the top, for any i.
     uint32_t word(int i) const
     {
-        if (i < 0)
-            return m_extension;
-        if (i >= m_words)
-            return 0u;
-        const uint32_t value = asUnsigned(m_top[-i]);
-        return i == m_words - 1 ? value & m_lowMask : value;
+        const int k = i + 1;
+        return m_words[k < 0 ? 0 : (k > m_last ? m_last : k)];
     }
 
-    // The 32 bits starting at a position, top bit first.
-    uint32_t wordAt(int position) const
+    // The 32 bits from a position on, top bit first.
+    uint32_t wordAt(WordPosition at) const
     {
-        const int index = wordIndexOf(position);
-        const int shift = position - 32 * index;
-        if (shift == 0)
-            return word(index);
-        return (word(index) << shift) | (word(index + 1) >> (32 - shift));
+        const uint64_t pair = (uint64_t{word(at.index)} << 32) | word(at.index + 1);
+        return static_cast<uint32_t>((pair << at.offset) >> 32);
     }
 
     bool bitAt(int position) const
     {
-        const int index = wordIndexOf(position);
-        return (word(index) & highbit[position - 32 * index]) != 0u;
+        const WordPosition at = wordPositionOf(position);
+        return (word(at.index) & highbit[at.offset]) != 0u;
+    }
+
+    // Whether the top `count` bits all repeat the extension. Beyond the
+    // zero word every word reads as zero, so the scan stops there.
+    bool topBitsRepeatExtension(int count) const
+    {
+        const int wholeWords = count / 32;
+        const int scanned = wholeWords < m_last ? wholeWords : m_last;
+        for (int i = 0; i < scanned; ++i) {
+            if (m_words[i + 1] != m_extension)
+                return false;
+        }
+        if (wholeWords >= m_last)
+            return m_extension == 0u;
+        const int rest = count % 32;
+        return rest == 0 || ((m_words[wholeWords + 1] ^ m_extension) & highmask[rest]) == 0u;
     }
 
 private:
-    const int32_t* m_top;
-    int m_bits;
-    int m_words;
-    uint32_t m_lowMask;
+    int m_last;  // index of the zero word below the source
     uint32_t m_extension;
+    uint32_t m_words[maxWords + 2];
 };
 
-// The destination: its top word and its width, words in use cleared on entry.
-struct Destination {
-    int32_t* top;
-    int bits;
-
-    Destination(int32_t* topWord, int64_t width)
-        : top(topWord), bits(isMantissaWidth(width) ? static_cast<int>(width) : 0)
-    {
-    }
-
-    bool isValid() const { return bits > 0; }
-    int words() const { return wordCount(bits); }
-    int padShift() const { return bits % 32; }
-};
-
-enum class Saturation { None, UnsignedMaximum, SignedMaximum, SignedMinimum };
-
-Saturation maximumFor(int sign)
+// Adds one unit in the last place of a width to its words (lowest first)
+// and carries it upward until a word does not wrap to zero or the top word
+// has been incremented. Returns true when that overflowed the format: the
+// carry reached the top word and made it 0 (unsigned) or 0x80000000
+// (signed, the maximum became negative).
+bool addUnitInLastPlace(int32_t* words, int bits, int sign)
 {
-    return sign != 0 ? Saturation::SignedMaximum : Saturation::UnsignedMaximum;
+    const int r = bits % 32;
+    const int top = wordCount(bits) - 1;
+    int i = 0;
+    uint32_t sum = asUnsigned(words[0]) + (r == 0 ? 1u : lowbit[32 - r]);
+    words[0] = asWord(sum);
+    while (sum == 0u && i < top) {
+        ++i;
+        sum = asUnsigned(words[i]) + 1u;
+        words[i] = asWord(sum);
+    }
+    return i == top && sum == (sign != 0 ? 0x80000000u : 0u);
 }
 
-// The saturation patterns, left-aligned in the destination's words. The
-// minimum writes only its top word; the words below stay as cleared.
-void writeSaturation(const Destination& dst, Saturation pattern)
+// Whether a width names a mantissa; the width itself, or 0 when not.
+int mantissaWidthOrZero(int64_t bits)
 {
-    const int nw = dst.words();
-    if (pattern == Saturation::SignedMinimum) {
-        dst.top[0] = asWord(0x80000000u);
-        return;
-    }
-    for (int i = 0; i < nw; ++i)
-        dst.top[-i] = asWord(0xFFFFFFFFu);
-    dst.top[-(nw - 1)] = asWord(highmask[dst.padShift()]);
-    if (pattern == Saturation::SignedMaximum)
-        dst.top[0] = asWord(asUnsigned(dst.top[0]) & 0x7FFFFFFFu);
+    return isMantissaWidth(bits) ? static_cast<int>(bits) : 0;
 }
 
-// Range check of the `lost` top integer bits: they (and the new sign bit of
-// a signed result) must all repeat the value's sign, all zero for a
-// non-negative value and all one for a negative signed one. Stops at the
-// first word that decides.
-Saturation checkRange(const SourceBits& src, int lost, int sign)
+// The conversion on words: src (srcBits readable bits below srcTop) into the
+// cleared destination of dstBits bits whose top word is dstTop and whose top
+// bit lies `gained` bits above the source's. ORs the result into the
+// destination and returns 1 when it is a saturation pattern.
+uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
+                      int sign, int round, int wrap)
 {
-    const uint32_t expected = src.isNegative() ? 0xFFFFFFFFu : 0u;
-    const Saturation failure = src.isNegative() ? Saturation::SignedMinimum : maximumFor(sign);
-    const int tested = sign != 0 ? lost + 1 : lost;
-    const int wholeWords = tested / 32;
-    for (int i = 0; i < wholeWords; ++i) {
-        if (src.word(i) != expected)
-            return failure;
-        // Beyond the source every word reads as zero, and zeros were
-        // expected: the rest passes too.
-        if (i >= src.words())
-            return Saturation::None;
-    }
-    const int rest = tested % 32;
-    if (rest > 0 && ((src.word(wholeWords) ^ expected) & highmask[rest]) != 0u)
-        return failure;
-    return Saturation::None;
-}
-
-// ORs the source bits that land in the top `bits` destination bits into the
-// destination, source position -d at the destination's top bit. The lowest
-// word written is masked to those bits.
-void shiftedCopy(const SourceBits& src, const Destination& dst, int bits, int d)
-{
-    const int nw = wordCount(bits);
-    for (int j = 0; j < nw; ++j) {
-        uint32_t value = src.wordAt(32 * j - d);
-        if (j == nw - 1)
-            value &= highmask[bits % 32];
-        dst.top[-j] = asWord(asUnsigned(dst.top[-j]) | value);
-    }
-}
-
-// Adds one unit in the destination's last place and carries it upward until
-// a word does not wrap to zero or the top word has been incremented. Returns
-// true when that overflowed the format: the carry reached the top word and
-// made it 0 (unsigned) or 0x80000000 (signed, the maximum became negative).
-bool addUnitInLastPlace(const Destination& dst, int sign)
-{
-    const int r = dst.padShift();
-    int i = dst.words() - 1;
-    uint32_t sum = asUnsigned(dst.top[-i]) + (r == 0 ? 1u : lowbit[32 - r]);
-    dst.top[-i] = asWord(sum);
-    while (sum == 0u && i > 0) {
-        --i;
-        sum = asUnsigned(dst.top[-i]) + 1u;
-        dst.top[-i] = asWord(sum);
-    }
-    return i == 0 && sum == (sign != 0 ? 0x80000000u : 0u);
-}
-
-// The whole conversion: src into a destination of dst.bits bits whose top
-// bit lies d bits above the source's. Returns 1 when a saturation pattern
-// was written.
-uint32_t convertWords(const SourceBits& src, const Destination& dst, int d, int sign, int round,
-                      int wrap)
-{
-    if (!src.isValid() || !dst.isValid())
+    if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
         return 0u;
-    if (d < 0 && wrap == 0) {
-        const Saturation saturation = checkRange(src, -d, sign);
-        if (saturation != Saturation::None) {
-            writeSaturation(dst, saturation);
-            return 1u;
+    const SourceWindow src(srcTop, srcBits, sign);
+    const int nwt = wordCount(dstBits);
+    int32_t* const dstLow = dstTop - (nwt - 1);
+    int32_t words[maxWords];  // the result, lowest word first
+    uint32_t saturated = 0u;
+    // The lost integer bits, and the new sign bit of a signed result, must
+    // all repeat the value's sign.
+    const int tested = -gained + (sign != 0 ? 1 : 0);
+    if (gained < 0 && wrap == 0 && !src.topBitsRepeatExtension(tested)) {
+        writeBound(words, dstBits,
+                   src.isNegative() ? Bound::SignedMinimum : maximumFor(sign));
+        saturated = 1u;
+    } else {
+        WordPosition at = wordPositionOf(-gained);
+        for (int j = nwt - 1; j >= 0; --j, ++at.index)
+            words[j] = asWord(src.wordAt(at));
+        words[0] = asWord(asUnsigned(words[0]) & highmask[dstBits % 32]);
+        const int keptBits = dstBits - gained;  // source bits at or above the last place
+        if (round != 0 && srcBits > keptBits && src.bitAt(keptBits) &&
+            addUnitInLastPlace(words, dstBits, sign) && wrap == 0) {
+            writeBound(words, dstBits, maximumFor(sign));
+            saturated = 1u;
         }
     }
-    const int keptBits = dst.bits - d;  // source bits at or above the destination's last place
-    const bool dropsBits = src.bits() > keptBits;
-    shiftedCopy(src, dst, dropsBits ? dst.bits : d + src.bits(), d);
-    if (dropsBits && round != 0 && src.bitAt(keptBits) && addUnitInLastPlace(dst, sign) &&
-        wrap == 0) {
-        writeSaturation(dst, maximumFor(sign));
-        return 1u;
-    }
-    return 0u;
+    for (int i = 0; i < nwt; ++i)
+        dstLow[i] = asWord(asUnsigned(dstLow[i]) | asUnsigned(words[i]));
+    return saturated;
 }
 
-}  // namespace
-
-void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign)
-{
-    // The smallest destination that holds every source bit: any further low
-    // words of the real destination stay zero.
-    const int gained = clampedShift(d);
-    convertWords(SourceBits(srcTop, n, sign), Destination(dstTop, int64_t{gained} + n), gained, sign,
-                 0, 0);
-}
-
-void fixwidenround(const int32_t* srcTop, int32_t* dstTop, int kept, int d, int sign, int round)
-{
-    // The source width is not known, but the kept bits and the rounding bit
-    // below them exist (with kept <= 0 only the top bit, for the sign).
-    const int gained = clampedShift(d);
-    const int keptBits = clampedShift(kept);
-    const int readable = keptBits < 0 ? 1 : keptBits + 1;
-    convertWords(SourceBits(srcTop, readable, sign), Destination(dstTop, int64_t{gained} + keptBits),
-                 gained, sign, round, 0);
-}
-
-uint32_t fixround(const int32_t* srcTop, int32_t* dstTop, int bt, int sign, int round, int wrap)
-{
-    // The source holds at least the kept bits and the rounding bit.
-    const int readable = clampedShift(int64_t{bt} + 1);
-    return convertWords(SourceBits(srcTop, readable, sign), Destination(dstTop, bt), 0, sign, round,
-                        wrap);
-}
-
-uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k, int sign, int wrap)
-{
-    return convertWords(SourceBits(srcTop, n, sign), Destination(dstTop, bt), clampedShift(-int64_t{k}),
-                        sign, 0, wrap);
-}
-
-uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
-                        int wrap)
-{
-    // The source holds at least the lost bits, the kept bits and the
-    // rounding bit.
-    const int lost = clampedShift(k);
-    const int readable = clampedShift(int64_t{bt} + lost + 1);
-    return convertWords(SourceBits(srcTop, readable, sign), Destination(dstTop, bt), -lost, sign,
-                        round, wrap);
-}
-
-bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained, int sign,
-                 int round, int wrap, uint32_t& saturated)
+// The conversion for source and destination widths of at most 64 bits whose
+// result integer lies within the 64 bits read (no more integer bits gained
+// than the destination's pad), on one 64-bit integer: ORs the result into
+// dst and sets `saturated`. Returns false, touching nothing, for every other
+// conversion, which the word steps handle.
+inline bool convertWithin64Bits(const int32_t* src, int32_t* dst, int srcbits, int dstbits,
+                                int gained, int sign, int round, int wrap, uint32_t& saturated)
 {
     // The source is read left-aligned in 64 bits; shifting it right by
     // `shift` = (integer bits lost) + (64 - result bits) leaves the result's
     // integer m, the bit below it is the rounding bit, and m is then
     // saturated or wrapped and stored left-aligned. That is the conversion's
-    // numeric contract step for step, so the kernels give the same words.
+    // numeric contract step for step, so the word steps give the same words.
     if (srcbits < 1 || srcbits > 64 || dstbits < 1 || dstbits > 64)
         return false;
     const int pad = 64 - dstbits;
@@ -323,20 +240,67 @@ bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int
     return true;
 }
 
+}  // namespace
+
+void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign)
+{
+    // The smallest destination that holds every source bit: any further low
+    // words of the real destination stay zero.
+    const int gained = clampedShift(d);
+    convertWords(srcTop, n, dstTop, mantissaWidthOrZero(int64_t{gained} + n), gained, sign, 0, 0);
+}
+
+void fixwidenround(const int32_t* srcTop, int32_t* dstTop, int kept, int d, int sign, int round)
+{
+    // The source width is not known, but the kept bits and the rounding bit
+    // below them exist (with kept <= 0 only the top bit, for the sign).
+    const int gained = clampedShift(d);
+    const int keptBits = clampedShift(kept);
+    const int readable = keptBits < 0 ? 1 : keptBits + 1;
+    convertWords(srcTop, readable, dstTop, mantissaWidthOrZero(int64_t{gained} + keptBits), gained,
+                 sign, round, 0);
+}
+
+uint32_t fixround(const int32_t* srcTop, int32_t* dstTop, int bt, int sign, int round, int wrap)
+{
+    // The source holds at least the kept bits and the rounding bit.
+    const int readable = clampedShift(int64_t{bt} + 1);
+    return convertWords(srcTop, readable, dstTop, bt, 0, sign, round, wrap);
+}
+
+uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k, int sign, int wrap)
+{
+    return convertWords(srcTop, n, dstTop, bt, clampedShift(-int64_t{k}), sign, 0, wrap);
+}
+
+uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
+                        int wrap)
+{
+    // The source holds at least the lost bits, the kept bits and the
+    // rounding bit.
+    const int lost = clampedShift(k);
+    const int readable = clampedShift(int64_t{bt} + lost + 1);
+    return convertWords(srcTop, readable, dstTop, bt, -lost, sign, round, wrap);
+}
+
+uint32_t convertFormat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained,
+                       int sign, int round, int wrap)
+{
+    uint32_t saturated = 0;
+    if (convertWithin64Bits(src, dst, srcbits, dstbits, gained, sign, round, wrap, saturated))
+        return saturated;
+    if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
+        return 0u;
+    return convertWords(src + wordCount(srcbits) - 1, srcbits, dst + wordCount(dstbits) - 1,
+                        dstbits, gained, sign, round, wrap);
+}
+
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
                    int dstexp, int sign, int round, int wrap)
 {
-    // Widths outside 1..160 name no mantissa: nothing is read or written.
-    if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
-        return 0u;
     const int64_t gained =
         (int64_t{dstbits} + int64_t{dstexp}) - (int64_t{srcbits} + int64_t{srcexp});
-    uint32_t saturated = 0;
-    if (fixformat64(src, dst, srcbits, dstbits, clampedShift(gained), sign, round, wrap, saturated))
-        return saturated;
-    return convertWords(SourceBits(src + wordCount(srcbits) - 1, srcbits, sign),
-                        Destination(dst + wordCount(dstbits) - 1, dstbits), clampedShift(gained), sign,
-                        round, wrap);
+    return convertFormat(src, dst, srcbits, dstbits, clampedShift(gained), sign, round, wrap);
 }
 
 }  // namespace Fixed
