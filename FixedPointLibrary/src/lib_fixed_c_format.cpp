@@ -25,31 +25,40 @@ namespace {
         FIXED_REPORT(signature::fixedformat, message::fixedformatWidth);
 }
 
-}  // namespace
-
-Quantised fixedformatWithFlag(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
+// The conversion into a record begun in the caller's result: fixedformat
+// and its flagged variant each build their own result in place, so neither
+// copies a record right after the conversion's narrow word stores (a copy
+// the processor cannot forward) and the plain one pays nothing for the flag.
+// Returns 1 when the result is a saturation pattern.
+int convertInto(fixed& result, const fixed& x, int intbits, int sign, int round, int wrap)
 {
-    // The result starts all zero: that is the clearing the conversion relies
-    // on (it ORs bits into the words in use), and it leaves no indeterminate
-    // word in the returned record. For a width outside 1..160 it is the whole
-    // result: the record then reads as zero and nothing beyond val[4] is
-    // written.
-    Quantised quantised{blankRecordInFormat(intbits, fracbits, sign), 0};
-    fixed& result = quantised.value;
     if (hasArgumentToReport(sign, round, wrap, result.bits))
         reportArguments(sign, round, wrap, result.bits);
     // The integer bits gained, from the arguments rather than the result's
     // header (whose width may have wrapped around).
     const int gained = clampedShift(int64_t{intbits} - (int64_t{x.bits} + int64_t{x.exp}));
-    const uint32_t saturated =
-        convertFormat(x.val, result.val, x.bits, result.bits, gained, sign, round, wrap);
-    quantised.saturated = saturated != 0 ? 1 : 0;
+    return static_cast<int>(
+        convertFormat(x.val, result.val, x.bits, result.bits, gained, sign, round, wrap));
+}
+
+}  // namespace
+
+// The result starts all zero: that is the clearing the conversion relies on
+// (it ORs bits into the words in use), and it leaves no indeterminate word
+// in the returned record. For a width outside 1..160 it is the whole result:
+// the record then reads as zero and nothing beyond val[4] is written.
+Quantised fixedformatWithFlag(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
+{
+    Quantised quantised{blankRecordInFormat(intbits, fracbits, sign), 0};
+    quantised.saturated = convertInto(quantised.value, x, intbits, sign, round, wrap);
     return quantised;
 }
 
 fixed fixedformat(fixed x, int intbits, int fracbits, int sign, int round, int wrap)
 {
-    return fixedformatWithFlag(x, intbits, fracbits, sign, round, wrap).value;
+    fixed result = blankRecordInFormat(intbits, fracbits, sign);
+    convertInto(result, x, intbits, sign, round, wrap);
+    return result;
 }
 
 }  // namespace Fixed

@@ -34,6 +34,9 @@ extern const uint32_t nibblecount[16];
 /// for widths 0 to -31 and negative below.
 constexpr int wordCount(int bits) { return bits / 32 + (bits % 32 > 0 ? 1 : 0); }
 
+/// wordCount for a width known to be at least 0, without the sign cases.
+constexpr int wordsInUse(int bits) { return static_cast<int>((static_cast<unsigned>(bits) + 31u) / 32u); }
+
 /// Words of a record that a width may touch: wordCount clamped to 0..5, so
 /// that a record left behind by a reported width error is never read or
 /// written beyond val[4].
@@ -122,7 +125,7 @@ constexpr Bound maximumFor(int sign) { return sign != 0 ? Bound::SignedMaximum :
 inline void writeBound(int32_t* words, int bits, Bound bound)
 {
     const BoundPattern& pattern = boundPatterns[static_cast<int>(bound)];
-    const int nw = wordCount(bits);
+    const int nw = wordsInUse(bits);
     for (int i = 0; i < nw; ++i)
         words[i] = asWord(pattern.fill);
     words[0] = asWord(pattern.fill & highmask[bits % 32]);

@@ -32,9 +32,14 @@ inline double floorExact(double value)
     return truncated > value ? truncated - 1.0 : truncated;
 }
 
-// Rounding stage: value to an integer-valued double x.
+// Rounding stage: value to an integer-valued double x. From 2^52 up every
+// finite value is its own floor and rounds by nothing.
 double roundToInteger(double value, int round)
 {
+    constexpr double integralFrom = 4503599627370496.0;  // 2^52
+    constexpr double largest = 1.7976931348623157e308;
+    if ((value >= integralFrom && value <= largest) || (value <= -integralFrom && value >= -largest))
+        return value;
     if (round == 0)
         return floorExact(value);
     if (value >= -0.5 && value < 0.5)
@@ -85,10 +90,11 @@ void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
         static_cast<uint32_t>(low >> 32),
         offset == 0 ? fill : static_cast<uint32_t>(spill) | (fill << offset),
     };
-    for (int k = 0; k < nw; ++k) {
-        const int part = k - first;
-        words[k] = asWord(part < 0 ? 0u : (part < 3 ? parts[part] : fill));
-    }
+    // Zeros below m, its sign above, then the three words it spans.
+    for (int k = 0; k < nw; ++k)
+        words[k] = asWord(k < first ? 0u : fill);
+    for (int part = 0; part < 3 && first + part < nw; ++part)
+        words[first + part] = asWord(parts[part]);
 }
 
 // Split stage for a range-checked x, an integer or NaN: x into nw words,

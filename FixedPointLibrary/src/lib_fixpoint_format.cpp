@@ -27,102 +27,111 @@
 namespace Fixed {
 namespace {
 
-// A bit position split into its word (floor(position / 32), negative
-// positions included) and the bit within it. Positions stay within a few
-// thousand bits (shifts are clamped to +-1024), so a bias keeps the division
-// on non-negative numbers.
-struct WordPosition {
-    int index;
-    int offset;
-};
-
-WordPosition wordPositionOf(int position)
-{
-    constexpr int bias = 1 << 14;
-    const int biased = position + bias;
-    return {biased / 32 - bias / 32, biased % 32};
-}
-
-// The source mantissa, top word first, framed by the word that stands for
-// everything above it (all ones for a negative signed source, else zero) and
-// a zero word for everything below its last bit. The lowest source word is
-// cut to its mantissa bits, so pad bits never take part.
+// The source mantissa, lowest word first, between the words that stand for
+// everything around it: zeros below its last bit and, above its top, the
+// extension (all ones for a negative signed source, else zero). Six words
+// on either side cover every read of a destination of up to five words
+// plus the word below it, so once a read's start is clamped into the window
+// no read needs a bound of its own. The lowest source word is cut to its
+// mantissa bits, so pad bits never take part.
 class SourceWindow {
 public:
+    static constexpr int margin = maxWords + 1;
+
     // bits must lie in 1..160.
-    SourceWindow(const int32_t* top, int bits, int sign)
-        : m_last(wordCount(bits) + 1),
-          m_extension(sign != 0 && (asUnsigned(top[0]) & 0x80000000u) != 0u ? 0xFFFFFFFFu : 0u)
+    SourceWindow(const int32_t* low, int bits, int words, int sign)
+        : m_words(words),
+          m_extension(sign != 0 && (asUnsigned(low[words - 1]) & 0x80000000u) != 0u ? 0xFFFFFFFFu
+                                                                                    : 0u)
     {
-        m_words[0] = m_extension;
-        for (int i = 1; i < m_last; ++i)
-            m_words[i] = asUnsigned(top[1 - i]);
-        m_words[m_last - 1] &= highmask[bits % 32];
-        m_words[m_last] = 0u;
+        for (int i = 0; i < margin; ++i)
+            m_window[i] = 0u;
+        for (int i = 0; i < words; ++i)
+            m_window[margin + i] = asUnsigned(low[i]);
+        m_window[margin] &= highmask[bits % 32];
+        for (int i = 0; i < margin; ++i)
+            m_window[margin + words + i] = m_extension;
     }
 
     bool isNegative() const { return m_extension != 0u; }
 
-    // Source word i places below the top, for any i.
-    uint32_t word(int i) const
+    // Index in the window of the word holding bit `position` (counted from
+    // the source's top, 0 = its top bit), and the position's offset from
+    // that word's top bit. Positions stay within a few thousand bits
+    // (shifts are clamped to +-1024), so a bias keeps the division on
+    // non-negative numbers.
+    int indexOf(int position) const
     {
-        const int k = i + 1;
-        return m_words[k < 0 ? 0 : (k > m_last ? m_last : k)];
+        return margin + m_words - 1 - (static_cast<int>(biased(position) / 32u) - bias / 32);
+    }
+    static int offsetOf(int position) { return static_cast<int>(biased(position) % 32u); }
+
+    // A start index for `count` further words downward, clamped into the
+    // window: above it every word is the extension, below it zero.
+    int clampedStart(int index, int count) const
+    {
+        const int highest = margin + m_words + margin - 1;
+        return index > highest ? highest : (index < count ? count : index);
     }
 
-    // The 32 bits from a position on, top bit first.
-    uint32_t wordAt(WordPosition at) const
+    // The 32 bits from `offset` bits below the top of word `index` on.
+    uint32_t bitsAt(int index, int offset) const
     {
-        const uint64_t pair = (uint64_t{word(at.index)} << 32) | word(at.index + 1);
-        return static_cast<uint32_t>((pair << at.offset) >> 32);
+        const uint32_t high = m_window[index];
+        const uint32_t low = m_window[index - 1];
+        return (high << offset) | ((low >> 1) >> (31 - offset));
     }
 
     bool bitAt(int position) const
     {
-        const WordPosition at = wordPositionOf(position);
-        return (word(at.index) & highbit[at.offset]) != 0u;
+        const int index = clampedStart(indexOf(position), 0);
+        return (m_window[index] & highbit[offsetOf(position)]) != 0u;
     }
 
-    // Whether the top `count` bits all repeat the extension. Beyond the
-    // zero word every word reads as zero, so the scan stops there.
+    // Whether the top `count` bits all repeat the extension. Below the
+    // source every word reads as zero, so the scan stops at the first of them.
     bool topBitsRepeatExtension(int count) const
     {
         const int wholeWords = count / 32;
-        const int scanned = wholeWords < m_last ? wholeWords : m_last;
+        const int top = margin + m_words - 1;
+        const int scanned = wholeWords < m_words + 1 ? wholeWords : m_words + 1;
         for (int i = 0; i < scanned; ++i) {
-            if (m_words[i + 1] != m_extension)
+            if (m_window[top - i] != m_extension)
                 return false;
         }
-        if (wholeWords >= m_last)
+        if (wholeWords > m_words)
             return m_extension == 0u;
         const int rest = count % 32;
-        return rest == 0 || ((m_words[wholeWords + 1] ^ m_extension) & highmask[rest]) == 0u;
+        return rest == 0 || ((m_window[top - wholeWords] ^ m_extension) & highmask[rest]) == 0u;
     }
 
 private:
-    int m_last;  // index of the zero word below the source
+    static constexpr int bias = 1 << 14;
+    static unsigned biased(int position) { return static_cast<unsigned>(position + bias); }
+
+    int m_words;
     uint32_t m_extension;
-    uint32_t m_words[maxWords + 2];
+    uint32_t m_window[margin + maxWords + margin];
 };
 
-// Adds one unit in the last place of a width to its words (lowest first)
-// and carries it upward until a word does not wrap to zero or the top word
-// has been incremented. Returns true when that overflowed the format: the
-// carry reached the top word and made it 0 (unsigned) or 0x80000000
-// (signed, the maximum became negative).
-bool addUnitInLastPlace(int32_t* words, int bits, int sign)
+// Adds `unit` (zero, or one unit in the last place of the width) to the
+// words of a width, lowest first, carrying through every word without a
+// branch on the data (the rounding bit is a coin toss for real values).
+// Returns true when that overflowed the format: the carry reached the top
+// word and made it 0 (unsigned) or 0x80000000 (signed, the maximum became
+// negative).
+bool addWithCarry(int32_t* words, int nw, uint32_t unit, int sign)
 {
-    const int r = bits % 32;
-    const int top = wordCount(bits) - 1;
-    int i = 0;
-    uint32_t sum = asUnsigned(words[0]) + (r == 0 ? 1u : lowbit[32 - r]);
-    words[0] = asWord(sum);
-    while (sum == 0u && i < top) {
-        ++i;
-        sum = asUnsigned(words[i]) + 1u;
+    uint32_t carry = unit;
+    for (int i = 0; i < nw - 1; ++i) {
+        const uint32_t sum = asUnsigned(words[i]) + carry;
         words[i] = asWord(sum);
+        carry = sum < carry ? 1u : 0u;
     }
-    return i == top && sum == (sign != 0 ? 0x80000000u : 0u);
+    // The carry into the top word is what reached it.
+    const uint32_t top = asUnsigned(words[nw - 1]) + carry;
+    words[nw - 1] = asWord(top);
+    return carry != 0u && top == (sign != 0 ? 0x80000000u : 0u);
 }
 
 // Whether a width names a mantissa; the width itself, or 0 when not.
@@ -133,40 +142,46 @@ int mantissaWidthOrZero(int64_t bits)
 
 // The conversion on words: src (srcBits readable bits below srcTop) into the
 // cleared destination of dstBits bits whose top word is dstTop and whose top
-// bit lies `gained` bits above the source's. ORs the result into the
-// destination and returns 1 when it is a saturation pattern.
-uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
+// bit lies `gained` bits above the source's. Returns 1 when it wrote a
+// saturation pattern. The words are worked on in place, one store each: a
+// result gathered elsewhere and copied over would be read back wide right
+// after narrow stores, which the processor cannot forward.
+inline uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
                       int sign, int round, int wrap)
 {
     if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
         return 0u;
-    const SourceWindow src(srcTop, srcBits, sign);
-    const int nwt = wordCount(dstBits);
+    const int nws = wordsInUse(srcBits);
+    const int nwt = wordsInUse(dstBits);
+    const SourceWindow src(srcTop - (nws - 1), srcBits, nws, sign);
     int32_t* const dstLow = dstTop - (nwt - 1);
-    int32_t words[maxWords];  // the result, lowest word first
-    uint32_t saturated = 0u;
     // The lost integer bits, and the new sign bit of a signed result, must
     // all repeat the value's sign.
     const int tested = -gained + (sign != 0 ? 1 : 0);
     if (gained < 0 && wrap == 0 && !src.topBitsRepeatExtension(tested)) {
-        writeBound(words, dstBits,
-                   src.isNegative() ? Bound::SignedMinimum : maximumFor(sign));
-        saturated = 1u;
-    } else {
-        WordPosition at = wordPositionOf(-gained);
-        for (int j = nwt - 1; j >= 0; --j, ++at.index)
-            words[j] = asWord(src.wordAt(at));
-        words[0] = asWord(asUnsigned(words[0]) & highmask[dstBits % 32]);
-        const int keptBits = dstBits - gained;  // source bits at or above the last place
-        if (round != 0 && srcBits > keptBits && src.bitAt(keptBits) &&
-            addUnitInLastPlace(words, dstBits, sign) && wrap == 0) {
-            writeBound(words, dstBits, maximumFor(sign));
-            saturated = 1u;
-        }
+        writeBound(dstLow, dstBits, src.isNegative() ? Bound::SignedMinimum : maximumFor(sign));
+        return 1u;
     }
-    for (int i = 0; i < nwt; ++i)
-        dstLow[i] = asWord(asUnsigned(dstLow[i]) | asUnsigned(words[i]));
-    return saturated;
+    // Destination word j (from the top) is the 32 source bits from position
+    // 32 j - gained on.
+    const int offset = SourceWindow::offsetOf(-gained);
+    const int first = src.clampedStart(src.indexOf(-gained), nwt);
+    for (int j = 0; j < nwt - 1; ++j)
+        dstTop[-j] = asWord(asUnsigned(dstTop[-j]) | src.bitsAt(first - j, offset));
+    dstLow[0] = asWord(asUnsigned(dstLow[0]) |
+                       (src.bitsAt(first - (nwt - 1), offset) & highmask[dstBits % 32]));
+    // Rounding adds one unit in the last place when the most significant
+    // dropped bit is set.
+    const int keptBits = dstBits - gained;  // source bits at or above the last place
+    if (round == 0 || srcBits <= keptBits)
+        return 0u;
+    const int r = dstBits % 32;
+    const uint32_t unit = src.bitAt(keptBits) ? (r == 0 ? 1u : lowbit[32 - r]) : 0u;
+    if (addWithCarry(dstLow, nwt, unit, sign) && wrap == 0) {
+        writeBound(dstLow, dstBits, maximumFor(sign));
+        return 1u;
+    }
+    return 0u;
 }
 
 // The conversion for source and destination widths of at most 64 bits whose
@@ -291,7 +306,7 @@ uint32_t convertFormat(const int32_t* src, int32_t* dst, int srcbits, int dstbit
         return saturated;
     if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
         return 0u;
-    return convertWords(src + wordCount(srcbits) - 1, srcbits, dst + wordCount(dstbits) - 1,
+    return convertWords(src + wordsInUse(srcbits) - 1, srcbits, dst + wordsInUse(dstbits) - 1,
                         dstbits, gained, sign, round, wrap);
 }
 
