@@ -1,5 +1,5 @@
 // Word layer of the core: routines on arrays of 32-bit mantissa words in the
-// left-aligned layout of Fixed::fix (val[0] least significant, the top
+// left-aligned layout of Fixed::fixed (val[0] least significant, the top
 // mantissa bit at bit 31 of the top word in use, zero pad bits at the bottom
 // of the lowest word). Flags are plain ints and every nonzero flag counts as
 // 1. Nothing here allocates except fixmult's carry counters.

@@ -1,7 +1,10 @@
-// Doubles into and out of mantissa words: fix2float and float2fix. Both work
-// operation by operation in doubles, in the order the firmware's data was
-// produced with, so their results (including the roundings of widths above
-// 53 bits) are reproducible bit for bit on every platform.
+// Doubles into and out of mantissa words: fix2float and float2fix. Both give
+// the results of working operation by operation in doubles, in the order the
+// firmware's data was produced with (the roundings of widths above 53 bits
+// included), bit for bit on every platform. Where those steps are exact
+// float2fix takes integer shortcuts: small values are rounded in 64-bit
+// integers, and an integral double, m x 2^e with a 64-bit m, is shifted into
+// its words whole instead of being split off word by word.
 #include <cmath>
 #include <cstring>
 
