@@ -83,8 +83,8 @@ void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
 {
     const uint64_t pattern = static_cast<uint64_t>(m);
     const uint32_t fill = m < 0 ? 0xFFFFFFFFu : 0u;
-    const int first = shift / 32;
-    const int offset = shift % 32;
+    const int first = static_cast<int>(static_cast<unsigned>(shift) / 32u);
+    const int offset = static_cast<int>(static_cast<unsigned>(shift) % 32u);
     const uint64_t low = pattern << offset;
     // The bits pushed out of the top of the 64, sign-extended.
     const uint64_t spill = offset == 0 ? 0u : pattern >> (64 - offset);
@@ -101,15 +101,13 @@ void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
 }
 
 // Split stage for a range-checked x, an integer or NaN: x into nw words,
-// left-aligned below the pad bits. A finite x is m x 2^e with a 64-bit m, so
+// left-aligned above `pad` zero bits. A finite x is m x 2^e with a 64-bit m, so
 // its two's complement is m's shifted into place (floor-and-truncate walks
 // in doubles give exactly that; the range stage leaves every finite x within
 // [-2^bits, 2^bits), whose words are those of x modulo 2^bits). A NaN has no
 // integer part: the words are zero and the internal error is reported.
-void splitIntoWords(double x, int bits, int32_t* words)
+void splitIntoWords(double x, int32_t* words, int nw, int pad)
 {
-    const int nw = wordCount(bits);
-    const int pad = 32 * nw - bits;
     if (x != x) {
         for (int k = 0; k < nw; ++k)
             words[k] = 0;
@@ -165,7 +163,7 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
     // A width below 1 has no words in use; nothing is written for it.
     if (bits < 1)
         return 0;
-    const int nw = wordCount(bits);
+    const int nw = wordsInUse(bits);
     const int pad = 32 * nw - bits;
     if (value > -smallValueLimit && value < smallValueLimit) {
         // Wider than 64 bits: the integer steps of the inline part, with the
@@ -185,7 +183,7 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
         writeBound(words, bits, bound);
         return 1;
     }
-    splitIntoWords(x, bits, words);
+    splitIntoWords(x, words, nw, pad);
     return 0;
 }
 
