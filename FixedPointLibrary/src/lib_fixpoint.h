@@ -35,7 +35,10 @@ extern const uint32_t nibblecount[16];
 constexpr int wordCount(int bits) { return bits / 32 + (bits % 32 > 0 ? 1 : 0); }
 
 /// wordCount for a width known to be at least 0, without the sign cases.
-constexpr int wordsInUse(int bits) { return static_cast<int>((static_cast<unsigned>(bits) + 31u) / 32u); }
+constexpr int wordsInUse(int bits)
+{
+    return static_cast<int>((static_cast<unsigned>(bits) + 31u) / 32u);
+}
 
 /// Words of a record that a width may touch: wordCount clamped to 0..5, so
 /// that a record left behind by a reported width error is never read or
@@ -118,9 +121,12 @@ inline constexpr BoundPattern boundPatterns[4] = {
 };
 
 /// The maximum of a format's signedness.
-constexpr Bound maximumFor(int sign) { return sign != 0 ? Bound::SignedMaximum : Bound::UnsignedMaximum; }
+constexpr Bound maximumFor(int sign)
+{
+    return sign != 0 ? Bound::SignedMaximum : Bound::UnsignedMaximum;
+}
 
-/// Stores a bound left-aligned into the words of a width of 1..160 bits,
+/// Stores a bound left-aligned into the words of a width of at least 1 bit,
 /// lowest word first (pad bits zero). The one place the patterns are made.
 inline void writeBound(int32_t* words, int bits, Bound bound)
 {

@@ -41,7 +41,8 @@ double roundToInteger(double value, int round)
 {
     constexpr double integralFrom = 4503599627370496.0;  // 2^52
     constexpr double largest = 1.7976931348623157e308;
-    if ((value >= integralFrom && value <= largest) || (value <= -integralFrom && value >= -largest))
+    const double magnitude = value < 0.0 ? -value : value;
+    if (magnitude >= integralFrom && magnitude <= largest)
         return value;
     if (round == 0)
         return floorExact(value);

@@ -146,7 +146,7 @@ int mantissaWidthOrZero(int64_t bits)
 // saturation pattern. The words are worked on in place, one store each: a
 // result gathered elsewhere and copied over would be read back wide right
 // after narrow stores, which the processor cannot forward.
-inline uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
+uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
                       int sign, int round, int wrap)
 {
     if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
