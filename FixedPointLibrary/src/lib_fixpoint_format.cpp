@@ -12,10 +12,10 @@
 //      last bit, the lowest word cut to the destination's width;
 //   3. rounding: one unit in the last place when the most significant dropped
 //      bit is set, carried upward, with an overflow test after the carry.
-// The source is first read once into a small window (extension word, source
-// words, zero word), so that every later read is one clamped load and whole
-// words move at once. Formats of up to 64 bits take the same steps on one
-// 64-bit integer. The kernels differ only in what they are told about the
+// The source is first read once into a window framed by zero words below
+// and extension words above, so that whole words move with two loads and two
+// shifts each, without a bound per read. Formats of up to 64 bits take the
+// same steps on one 64-bit integer. The kernels differ only in what they are told about the
 // source, so each states how many source bits it may read.
 // Nothing here allocates or touches floating point; no source word outside
 // the bits a caller vouches for is read and no destination word outside the
@@ -143,9 +143,9 @@ int mantissaWidthOrZero(int64_t bits)
 // The conversion on words: src (srcBits readable bits below srcTop) into the
 // cleared destination of dstBits bits whose top word is dstTop and whose top
 // bit lies `gained` bits above the source's. Returns 1 when it wrote a
-// saturation pattern. The words are worked on in place, one store each: a
-// result gathered elsewhere and copied over would be read back wide right
-// after narrow stores, which the processor cannot forward.
+// saturation pattern. The words are worked on in place: a result gathered
+// elsewhere and copied over would be read back wide right after narrow
+// stores, which the processor cannot forward.
 uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
                       int sign, int round, int wrap)
 {
