@@ -74,11 +74,14 @@ public:
         return index > highest ? highest : (index < count ? count : index);
     }
 
-    // The 32 bits from `offset` bits below the top of word `index` on.
-    uint32_t bitsAt(int index, int offset) const
+    uint32_t word(int index) const { return m_window[index]; }
+
+    // The 32 bits from `offset` bits below the top of `high` on, `low` the
+    // word below it: 32-bit shifts only (the 32-bit ARM target has no wider
+    // ones), the second split in two so that an offset of 0 shifts by 32
+    // nowhere.
+    static uint32_t bitsAt(uint32_t high, uint32_t low, int offset)
     {
-        const uint32_t high = m_window[index];
-        const uint32_t low = m_window[index - 1];
         return (high << offset) | ((low >> 1) >> (31 - offset));
     }
 
@@ -166,10 +169,14 @@ uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int d
     // 32 j - gained on.
     const int offset = SourceWindow::offsetOf(-gained);
     const int first = src.clampedStart(src.indexOf(-gained), nwt);
-    for (int j = 0; j < nwt - 1; ++j)
-        dstTop[-j] = asWord(asUnsigned(dstTop[-j]) | src.bitsAt(first - j, offset));
-    dstLow[0] = asWord(asUnsigned(dstLow[0]) |
-                       (src.bitsAt(first - (nwt - 1), offset) & highmask[dstBits % 32]));
+    uint32_t high = src.word(first);
+    for (int j = 0; j < nwt - 1; ++j) {
+        const uint32_t low = src.word(first - j - 1);
+        dstTop[-j] = asWord(asUnsigned(dstTop[-j]) | SourceWindow::bitsAt(high, low, offset));
+        high = low;
+    }
+    const uint32_t last = SourceWindow::bitsAt(high, src.word(first - nwt), offset);
+    dstLow[0] = asWord(asUnsigned(dstLow[0]) | (last & highmask[dstBits % 32]));
     // Rounding adds one unit in the last place when the most significant
     // dropped bit is set.
     const int keptBits = dstBits - gained;  // source bits at or above the last place
