@@ -210,9 +210,13 @@ inline bool convertWithin64Bits(const int32_t* src, int32_t* dst, int srcbits, i
     const int shift = gained + pad;  // gained is clamped to +-1024: no overflow
     if (shift < 0)
         return false;
-    uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | asUnsigned(src[0])
-                              : uint64_t{asUnsigned(src[0])} << 32;
-    a &= ~uint64_t{0} << (64 - srcbits);  // pad bits take no part
+    // Pad bits take no part: they are cut from the lowest word before the
+    // words are joined. (That also keeps the two loads apart: one wide load
+    // of a record's words 0 and 1 would straddle the two 16-byte stores a
+    // by-value record is usually copied with, which cannot be forwarded.)
+    const uint32_t lowest = asUnsigned(src[0]) & highmask[srcbits % 32];
+    const uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | lowest
+                                    : uint64_t{lowest} << 32;
     const bool negative = sign != 0 && (a >> 63) != 0;
     // m's two's complement bits: a shifted right, sign-extended when signed.
     uint64_t m = 0;
