@@ -46,9 +46,13 @@ public:
     {
         for (int i = 0; i < margin; ++i)
             m_window[i] = 0u;
-        for (int i = 0; i < words; ++i)
+        // The lowest word on its own, cut to its mantissa bits; the others
+        // then start at a record's second word (so that a wide load of them
+        // stays within one of the 16-byte stores a by-value record is
+        // usually copied with, and can be forwarded).
+        m_window[margin] = asUnsigned(low[0]) & highmask[bits % 32];
+        for (int i = 1; i < words; ++i)
             m_window[margin + i] = asUnsigned(low[i]);
-        m_window[margin] &= highmask[bits % 32];
         for (int i = 0; i < margin; ++i)
             m_window[margin + words + i] = m_extension;
     }
