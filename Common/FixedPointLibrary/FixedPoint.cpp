@@ -83,13 +83,9 @@ CFixedPoint::CFixedPoint(const unsigned int& msb, const unsigned int& lsb, int p
                          int fractionBits, CFixedPoint::SIGN sign)
     : m_pValue(nullptr)
 {
-    Fixed::fix raw;
-    raw.bits = Fixed::wrappingAdd(preDecimalBits, fractionBits);
-    raw.exp = Fixed::wrappingNegate(fractionBits);
-    raw.sign = sign;
+    Fixed::fixed raw = Fixed::blankRecordInFormat(preDecimalBits, fractionBits, sign);
     raw.val[0] = Fixed::asWord(lsb);
     raw.val[1] = Fixed::asWord(msb);
-    raw.val[2] = raw.val[3] = raw.val[4] = 0;
     RecordHolder record = allocateRecord(raw);
     // Above 64 bits the words stay raw; below 1 bit there is nothing to
     // convert (and no sign bit to test).

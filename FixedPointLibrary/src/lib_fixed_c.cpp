@@ -73,27 +73,33 @@ fixed combineWordwise(const fixed& a, const fixed& b, const char* function, cons
     return quantiseInto(result, value, fracbits, sign, round, wrap);
 }
 
+// The quantisation into a record begun in the caller's result, checks
+// first: double2fixed and its flagged variant each build their own result in
+// place, so neither copies a record right after the quantiser's narrow word
+// stores (a copy the processor cannot forward) and the plain one pays
+// nothing for the flag. Returns the quantiser's saturation flag.
+inline int quantiseRecord(fixed& result, double value, int fracbits, int sign, int round, int wrap)
+{
+    if (hasArgumentToReport(sign, round, wrap, result.bits))
+        return reportAndQuantise(result, value, fracbits, sign, round, wrap);
+    return quantiseInto(result, value, fracbits, sign, round, wrap);
+}
+
 }  // namespace
 
 Quantised double2fixedWithFlag(double value, int intbits, int fracbits, int sign, int round,
                                int wrap)
 {
-    // Words above the width carry nothing; they are zeroed so that records
-    // built here compare and copy deterministically.
-    Quantised result = {};
-    result.value.sign = sign;
-    result.value.bits = wrappingAdd(intbits, fracbits);
-    result.value.exp = wrappingNegate(fracbits);
-    if (hasArgumentToReport(sign, round, wrap, result.value.bits))
-        result.saturated = reportAndQuantise(result.value, value, fracbits, sign, round, wrap);
-    else
-        result.saturated = quantiseInto(result.value, value, fracbits, sign, round, wrap);
+    Quantised result{blankRecordInFormat(intbits, fracbits, sign), 0};
+    result.saturated = quantiseRecord(result.value, value, fracbits, sign, round, wrap);
     return result;
 }
 
 fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap)
 {
-    return double2fixedWithFlag(value, intbits, fracbits, sign, round, wrap).value;
+    fixed result = blankRecordInFormat(intbits, fracbits, sign);
+    quantiseRecord(result, value, fracbits, sign, round, wrap);
+    return result;
 }
 
 double fixed2double(fixed f)

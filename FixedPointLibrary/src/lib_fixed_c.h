@@ -35,6 +35,26 @@ inline bool hasArgumentToReport(int sign, int round, int wrap, int bits)
     return isInvalidFlag(sign) || isInvalidFlag(round) || isInvalidFlag(wrap) || bits > maxBits;
 }
 
+/// A record with the given header and every mantissa word zero (so that the
+/// words above a width carry nothing and records copy and compare
+/// deterministically): the one place records are begun.
+inline fixed blankRecord(int32_t bits, int32_t exp, int32_t sign)
+{
+    fixed record{};
+    record.bits = bits;
+    record.exp = exp;
+    record.sign = sign;
+    return record;
+}
+
+/// A blank record in the format of intbits integer and fracbits fractional
+/// bits: bits = intbits + fracbits, exp = -fracbits (both wrapping at 32
+/// bits, as the format's arguments are not checked on their own).
+inline fixed blankRecordInFormat(int intbits, int fracbits, int sign)
+{
+    return blankRecord(wrappingAdd(intbits, fracbits), wrappingNegate(fracbits), sign);
+}
+
 /// A record of intbits + fracbits bits and exp = -fracbits holding value,
 /// floored or rounded to nearest (ties up), saturated or wrapped.
 fixed double2fixed(double value, int intbits, int fracbits, int sign, int round, int wrap);

@@ -8,12 +8,8 @@ namespace Fixed {
 
 fixed fixedmult(fixed a, fixed b)
 {
-    fixed result;
-    result.bits = wrappingAdd(a.bits, b.bits);
-    result.exp = wrappingAdd(a.exp, b.exp);
-    result.sign = (a.sign != 0 || b.sign != 0) ? 1 : 0;
-    for (int32_t& word : result.val)
-        word = 0;
+    fixed result = blankRecord(wrappingAdd(a.bits, b.bits), wrappingAdd(a.exp, b.exp),
+                               (a.sign != 0 || b.sign != 0) ? 1 : 0);
     if (result.bits > maxBits) {
         FIXED_REPORT(signature::fixedmult, message::fixedmultWidth);
         // Five words cannot hold the product: the record reads as zero rather

@@ -1,5 +1,5 @@
 // Word layer of the core: routines on arrays of 32-bit mantissa words in the
-// left-aligned layout of Fixed::fix (val[0] least significant, the top
+// left-aligned layout of Fixed::fixed (val[0] least significant, the top
 // mantissa bit at bit 31 of the top word in use, zero pad bits at the bottom
 // of the lowest word). Flags are plain ints and every nonzero flag counts as
 // 1. Nothing here allocates except fixmult's carry counters.
@@ -33,6 +33,12 @@ extern const uint32_t nibblecount[16];
 /// Words in use for a width: ceil(bits / 32) with truncating division, so 0
 /// for widths 0 to -31 and negative below.
 constexpr int wordCount(int bits) { return bits / 32 + (bits % 32 > 0 ? 1 : 0); }
+
+/// wordCount for a width known to be at least 0, without the sign cases.
+constexpr int wordsInUse(int bits)
+{
+    return static_cast<int>((static_cast<unsigned>(bits) + 31u) / 32u);
+}
 
 /// Words of a record that a width may touch: wordCount clamped to 0..5, so
 /// that a record left behind by a reported width error is never read or
@@ -93,6 +99,45 @@ inline double powerOfTwo(int n)
     return result;
 }
 
+// ---- Saturation patterns --------------------------------------------------
+
+/// The bounds a quantiser writes in place of a value outside its format.
+enum class Bound { Zero, SignedMinimum, SignedMaximum, UnsignedMaximum };
+
+/// How a bound looks in words: every word `fill`, the lowest word cut to the
+/// mantissa bits, then the top word ANDed with `topAnd` and ORed with `topOr`.
+struct BoundPattern {
+    uint32_t fill;
+    uint32_t topAnd;
+    uint32_t topOr;
+};
+
+/// The patterns, indexed by Bound.
+inline constexpr BoundPattern boundPatterns[4] = {
+    {0u, 0xFFFFFFFFu, 0u},                    // Zero
+    {0u, 0xFFFFFFFFu, 0x80000000u},           // SignedMinimum: -2^(bits-1)
+    {0xFFFFFFFFu, 0x7FFFFFFFu, 0u},           // SignedMaximum: 2^(bits-1) - 1
+    {0xFFFFFFFFu, 0xFFFFFFFFu, 0u},           // UnsignedMaximum: 2^bits - 1
+};
+
+/// The maximum of a format's signedness.
+constexpr Bound maximumFor(int sign)
+{
+    return sign != 0 ? Bound::SignedMaximum : Bound::UnsignedMaximum;
+}
+
+/// Stores a bound left-aligned into the words of a width of at least 1 bit,
+/// lowest word first (pad bits zero). The one place the patterns are made.
+inline void writeBound(int32_t* words, int bits, Bound bound)
+{
+    const BoundPattern& pattern = boundPatterns[static_cast<int>(bound)];
+    const int nw = wordsInUse(bits);
+    for (int i = 0; i < nw; ++i)
+        words[i] = asWord(pattern.fill);
+    words[0] = asWord(pattern.fill & highmask[bits % 32]);
+    words[nw - 1] = asWord((asUnsigned(words[nw - 1]) & pattern.topAnd) | pattern.topOr);
+}
+
 // ---- Doubles in and out ---------------------------------------------------
 
 /// The integer M held in the words (exponent not applied), summed from the
@@ -100,41 +145,56 @@ inline double powerOfTwo(int n)
 /// rounded in sequence above. Widths outside 1..160 give 0.0.
 double fix2float(const int32_t* words, int bits, int sign);
 
-/// float2fix for every width and value, walking the words in doubles.
-int float2fixInDoubles(double value, int bits, int32_t* words, int sign, int round, int wrap);
+/// Below this magnitude (2^51 LSB units) quantising runs on 64-bit integers:
+/// every double step of the rounding, range and split stages is exact there
+/// (the floor, the fraction that decides rounding, a wrap-around that then
+/// keeps exactly the low bits), so the integer steps give the same words.
+constexpr double smallValueLimit = 2251799813685248.0;
 
-/// Quantises value (counted in LSB units) into nw = ceil(bits / 32) words:
-/// floor or nearest (ties up), then saturation or wrap-around. Returns 1 when
-/// a saturation pattern was written. Writes nothing for widths below 1.
-///
-/// Widths up to 64 bits with |value| below 2^51, the common case, are done
-/// here in 64-bit integers, inline in the callers: for such values every
-/// double step of the general walk is exact (the floor, the fraction that
-/// decides rounding, the wrap-around, which then keeps exactly the low bits,
-/// and the split), so the integer steps give the same words.
-inline int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+/// A value of magnitude below smallValueLimit floored, or rounded to nearest
+/// with halves upward, as an integer.
+inline int64_t roundSmallValue(double value, int round)
 {
-    constexpr double integerPathLimit = 2251799813685248.0;  // 2^51
-    if (bits < 1 || bits > 64 || !(value > -integerPathLimit && value < integerPathLimit))
-        return float2fixInDoubles(value, bits, words, sign, round, wrap);
     int64_t x = static_cast<int64_t>(value);  // toward zero, exact in range
     if (static_cast<double>(x) > value)
         --x;
     // value - floor(value) is exact here; whole + 0.5 is too.
     if (round != 0 && value >= static_cast<double>(x) + 0.5)
         ++x;
+    return x;
+}
+
+/// x (|x| <= 2^51) saturated into the range of a width; `saturated` tells
+/// whether it was outside. Bounds of more than 60 bits decide nothing more.
+inline int64_t saturateSmallValue(int64_t x, int bits, int sign, int& saturated)
+{
+    const int limitBits = bits < 60 ? bits : 60;
+    const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
+    const int64_t highest =
+        sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1 : (int64_t{1} << limitBits) - 1;
+    saturated = x < lowest || x > highest ? 1 : 0;
+    return x < lowest ? lowest : (x > highest ? highest : x);
+}
+
+/// float2fix for the widths and values its inline part leaves: wider than
+/// 64 bits, magnitudes from 2^51 LSB units, non-finite values.
+int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round, int wrap);
+
+/// Quantises value (counted in LSB units) into nw = ceil(bits / 32) words:
+/// floor or nearest (ties up), then saturation or wrap-around. Returns 1 when
+/// a saturation pattern was written. Writes nothing for widths below 1.
+///
+/// Widths up to 64 bits with small values, the common case, are done here,
+/// inline in the callers; under wrap-around the bits above the width simply
+/// fall off the left-aligned store.
+inline int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
+{
+    if (bits < 1 || bits > 64 || !(value > -smallValueLimit && value < smallValueLimit))
+        return float2fixGeneral(value, bits, words, sign, round, wrap);
     int saturated = 0;
-    if (wrap == 0) {
-        // The saturation patterns are the left-aligned bounds. |x| <= 2^51,
-        // so bounds of more than 60 bits decide nothing more.
-        const int limitBits = bits < 60 ? bits : 60;
-        const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
-        const int64_t highest = sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1
-                                          : (int64_t{1} << limitBits) - 1;
-        saturated = x < lowest || x > highest ? 1 : 0;
-        x = x < lowest ? lowest : (x > highest ? highest : x);
-    }
-    // Left-aligned; under wrap-around the bits above the width fall off.
+    int64_t x = roundSmallValue(value, round);
+    if (wrap == 0)
+        x = saturateSmallValue(x, bits, sign, saturated);
     const uint64_t pattern = static_cast<uint64_t>(x);
     if (bits <= 32) {
         words[0] = asWord(static_cast<uint32_t>(pattern << (32 - bits)));
@@ -162,13 +222,13 @@ uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k,
 /// Fewer integer bits and fewer fractional bits.
 uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
                         int wrap);
-/// The conversion for source and destination widths of at most 64 bits whose
-/// result integer lies within the 64 bits read (no more integer bits gained
-/// than the destination's pad), on one 64-bit integer: ORs the result into
-/// dst and sets `saturated`. Every nonzero flag counts as 1. Returns false,
-/// touching nothing, for every other conversion, which the kernels handle.
-bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained, int sign,
-                 int round, int wrap, uint32_t& saturated);
+/// The conversion behind fixformat and fixedformat: src (srcbits wide) into
+/// the cleared dst (dstbits wide), both given by their lowest word, with
+/// `gained` integer bits gained (negative when lost, within +-1024). ORs the
+/// result into dst and returns 1 when it saturated. Source pad bits take no
+/// part; widths outside 1..160 touch no word and return 0.
+uint32_t convertFormat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained,
+                       int sign, int round, int wrap);
 /// Word-array form of the whole conversion; returns 1 when it saturated.
 /// Source pad bits take no part; widths outside 1..160 touch no word and
 /// return 0.

@@ -1,7 +1,10 @@
-// Doubles into and out of mantissa words: fix2float and float2fix. Both work
-// operation by operation in doubles, in the order the firmware's data was
-// produced with, so their results (including the roundings of widths above
-// 53 bits) are reproducible bit for bit on every platform.
+// Doubles into and out of mantissa words: fix2float and float2fix. Both give
+// the results of working operation by operation in doubles, in the order the
+// firmware's data was produced with (the roundings of widths above 53 bits
+// included), bit for bit on every platform. Where those steps are exact
+// float2fix takes integer shortcuts: small values are rounded in 64-bit
+// integers, and an integral double, m x 2^e with a 64-bit m, is shifted into
+// its words whole instead of being split off word by word.
 #include <cmath>
 #include <cstring>
 
@@ -11,21 +14,7 @@
 namespace Fixed {
 namespace {
 
-constexpr double twoToMinus32 = 2.3283064365386963e-10;
 constexpr double twoTo32 = 4294967296.0;
-
-// A double in [0, 2^32) truncated toward zero. C++ leaves the conversion of
-// NaN and out-of-range doubles undefined (x86-64 and ARM disagree), so those
-// are defined here: NaN and negatives give 0, values from 2^32 up give the
-// largest word. The split only produces them for non-finite input.
-uint32_t truncateToWord(double value)
-{
-    if (!(value > 0.0))
-        return 0u;
-    if (value >= twoTo32)
-        return 0xFFFFFFFFu;
-    return static_cast<uint32_t>(value);
-}
 
 // floor(value) without a library call, equal to std::floor for every value
 // the conversions compute with (the sign of a zero included). From 2^52 up
@@ -46,9 +35,15 @@ inline double floorExact(double value)
     return truncated > value ? truncated - 1.0 : truncated;
 }
 
-// Rounding stage: value to an integer-valued double x.
+// Rounding stage: value to an integer-valued double x. From 2^52 up every
+// finite value is its own floor and rounds by nothing.
 double roundToInteger(double value, int round)
 {
+    constexpr double integralFrom = 4503599627370496.0;  // 2^52
+    constexpr double largest = 1.7976931348623157e308;
+    const double magnitude = value < 0.0 ? -value : value;
+    if (magnitude >= integralFrom && magnitude <= largest)
+        return value;
     if (round == 0)
         return floorExact(value);
     if (value >= -0.5 && value < 0.5)
@@ -62,63 +57,17 @@ double roundToInteger(double value, int round)
     return whole + increment;
 }
 
-void writeSignedMinimum(int32_t* words, int nw)
-{
-    for (int i = 0; i < nw - 1; ++i)
-        words[i] = 0;
-    words[nw - 1] = asWord(0x80000000u);
-}
-
-void writeSignedMaximum(int32_t* words, int nw, int r)
-{
-    if (nw == 1) {
-        words[0] = asWord(highmask[r] & 0x7FFFFFFFu);
-        return;
-    }
-    words[0] = asWord(highmask[r]);
-    for (int i = 1; i < nw - 1; ++i)
-        words[i] = asWord(0xFFFFFFFFu);
-    words[nw - 1] = asWord(0x7FFFFFFFu);
-}
-
-void writeUnsignedMaximum(int32_t* words, int nw, int r)
-{
-    words[0] = asWord(highmask[r]);
-    for (int i = 1; i < nw; ++i)
-        words[i] = asWord(0xFFFFFFFFu);
-}
-
-void writeZero(int32_t* words, int nw)
-{
-    for (int i = 0; i < nw; ++i)
-        words[i] = 0;
-}
-
-// Range stage under saturation: writes the saturation pattern and returns 1
-// when x lies outside the format, else 0.
-int saturateIfOutOfRange(double x, int bits, int32_t* words, int nw, int r, int sign)
+// Range stage under saturation: the bound x lies beyond, if any. The limits
+// are compared as doubles, so infinities saturate too.
+bool isOutOfRange(double x, int bits, int sign, Bound& bound)
 {
     if (sign != 0) {
         const double limit = powerOfTwo(bits - 1);
-        if (x < -limit) {
-            writeSignedMinimum(words, nw);
-            return 1;
-        }
-        if (x >= limit) {
-            writeSignedMaximum(words, nw, r);
-            return 1;
-        }
-        return 0;
+        bound = x < -limit ? Bound::SignedMinimum : Bound::SignedMaximum;
+        return x < -limit || x >= limit;
     }
-    if (x < 0.0) {
-        writeZero(words, nw);
-        return 1;
-    }
-    if (x >= powerOfTwo(bits)) {
-        writeUnsignedMaximum(words, nw, r);
-        return 1;
-    }
-    return 0;
+    bound = x < 0.0 ? Bound::Zero : Bound::UnsignedMaximum;
+    return x < 0.0 || x >= powerOfTwo(bits);
 }
 
 // Range stage under wrap-around: the integer congruent to x modulo 2^bits
@@ -129,112 +78,54 @@ double wrapIntoRange(double x, int bits)
     return x - q * powerOfTwo(bits);
 }
 
-// Split stage for an integral x below 2^63 in magnitude: its 64-bit two's
-// complement pattern, shifted into place, gives the same words as the
-// double walk below (which is exact for every integral x). Returns false,
-// writing nothing, when x is outside that range or does not fit the width,
-// so that the walk and its check handle it.
-bool splitSmallInteger(double x, int32_t* words, int nw, int r)
+// Stores m x 2^shift (shift >= 0) in two's complement into nw words, lowest
+// first: the bits below `shift` zero, the bits above m's 64 its sign.
+void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
 {
-    if (!(x >= -9223372036854775808.0 && x < 9223372036854775808.0))
-        return false;
-    const int64_t m = static_cast<int64_t>(x);
-    const int width = r != 0 ? 32 * (nw - 1) + r : 32 * nw;
-    // Bits above the width must be a sign extension (0 or -1), as the walk
-    // requires; a width of 64 and more always holds the whole pattern.
-    if (width < 64) {
-        const int64_t above = m < 0 ? ~(~m >> width) : m >> width;
-        if (above != 0 && above != -1)
-            return false;
-    }
-    uint64_t pattern = static_cast<uint64_t>(m);
+    const uint64_t pattern = static_cast<uint64_t>(m);
     const uint32_t fill = m < 0 ? 0xFFFFFFFFu : 0u;
-    int consumed = 0;  // bits of the pattern already written
-    int k = 0;
-    if (r != 0) {
-        words[0] = asWord(static_cast<uint32_t>(pattern << (64 - r) >> 32));
-        consumed = r;
-        k = 1;
-    }
-    for (; k < nw; ++k, consumed += 32) {
-        if (consumed >= 64) {
-            words[k] = asWord(fill);
-            continue;
-        }
-        uint64_t part = pattern >> consumed;
-        // Bits shifted in from beyond the pattern's top take the sign.
-        if (consumed > 32 && fill != 0u)
-            part |= ~uint64_t{0} << (64 - consumed);
-        words[k] = asWord(static_cast<uint32_t>(part));
-    }
-    return true;
-}
-
-// Split stage for a finite x of 2^63 and more in magnitude (an integer, as
-// every such double is): its 53-bit significand shifted into place, then
-// negated over the words when x is negative. That is the two's complement the
-// double walk below produces. Returns false, writing nothing, for infinities,
-// NaN, smaller values and values outside [-2^width, 2^width), which the walk
-// and its check handle.
-bool splitLargeInteger(double x, int32_t* words, int nw, int r)
-{
-    const int width = r != 0 ? 32 * (nw - 1) + r : 32 * nw;
-    const double limit = powerOfTwo(width);
-    if (!(x >= -limit && x < limit) || (x > -9223372036854775808.0 && x < 9223372036854775808.0))
-        return false;
-    uint64_t bits;
-    std::memcpy(&bits, &x, sizeof bits);
-    const uint64_t significand = (bits & ((uint64_t{1} << 52) - 1u)) | (uint64_t{1} << 52);
-    const int exponent = static_cast<int>((bits >> 52) & 0x7FFu) - 1075;  // x = +-significand * 2^exponent
-    const int shift = exponent + (r != 0 ? 32 - r : 0);                   // and the pad bits below
-    const int first = shift / 32;
-    const int offset = shift % 32;
-    // The significand spans at most three words from `first` up.
+    const int first = static_cast<int>(static_cast<unsigned>(shift) / 32u);
+    const int offset = static_cast<int>(static_cast<unsigned>(shift) % 32u);
+    const uint64_t low = pattern << offset;
+    // The bits pushed out of the top of the 64, sign-extended.
+    const uint64_t spill = offset == 0 ? 0u : pattern >> (64 - offset);
     const uint32_t parts[3] = {
-        static_cast<uint32_t>(significand << offset),
-        static_cast<uint32_t>(offset == 0 ? significand >> 32 : significand >> (32 - offset)),
-        static_cast<uint32_t>(offset == 0 ? 0u : significand >> (64 - offset)),
+        static_cast<uint32_t>(low),
+        static_cast<uint32_t>(low >> 32),
+        offset == 0 ? fill : static_cast<uint32_t>(spill) | (fill << offset),
     };
-    for (int k = 0; k < nw; ++k) {
-        const int part = k - first;
-        words[k] = asWord(part >= 0 && part < 3 ? parts[part] : 0u);
-    }
-    if (x < 0.0)
-        fixneg(words, words, nw);
-    return true;
+    // Zeros below m, its sign above, then the three words it spans.
+    for (int k = 0; k < nw; ++k)
+        words[k] = asWord(k < first ? 0u : fill);
+    for (int part = 0; part < 3 && first + part < nw; ++part)
+        words[first + part] = asWord(parts[part]);
 }
 
-// Split stage: the integer x into nw words, least significant first. Floor
-// produces two's complement for negative x without a negation.
-void splitIntoWords(double x, int32_t* words, int nw, int r)
+// Split stage for a range-checked x, an integer or NaN: x into nw words,
+// left-aligned above `pad` zero bits. A finite x is m x 2^e with a 64-bit m, so
+// its two's complement is m's shifted into place (floor-and-truncate walks
+// in doubles give exactly that; the range stage leaves every finite x within
+// [-2^bits, 2^bits), whose words are those of x modulo 2^bits). A NaN has no
+// integer part: the words are zero and the internal error is reported.
+void splitIntoWords(double x, int32_t* words, int nw, int pad)
 {
-    if (splitSmallInteger(x, words, nw, r) || splitLargeInteger(x, words, nw, r))
-        return;
-    int k = 0;
-    int left = nw;
-    if (r != 0) {
-        const double t = x * powerOfTwo(-r);
-        const double whole = floorExact(t);
-        const uint32_t low = truncateToWord((t - whole) * powerOfTwo(r));
-        words[0] = asWord(low << (32 - r));
-        x = whole;
-        k = 1;
-        left = nw - 1;
-    }
-    for (; left > 0; ++k, --left) {
-        if (x == 0.0 || x == -1.0) {
-            const int32_t fill = x == 0.0 ? 0 : -1;
-            for (; left > 0; ++k, --left)
-                words[k] = fill;
-            break;
-        }
-        const double t = x * twoToMinus32;
-        const double whole = floorExact(t);
-        words[k] = asWord(truncateToWord((t - whole) * twoTo32));
-        x = whole;
-    }
-    if (x != 0.0 && x != -1.0)
+    if (x != x) {
+        for (int k = 0; k < nw; ++k)
+            words[k] = 0;
         FIXED_REPORT(signature::float2fix, message::float2fixSplit);
+        return;
+    }
+    if (x > -9223372036854775808.0 && x < 9223372036854775808.0) {
+        writeShiftedInteger(static_cast<int64_t>(x), pad, words, nw);
+        return;
+    }
+    // |x| >= 2^63: the 53-bit significand with the sign, and its exponent.
+    uint64_t bitsOfX;
+    std::memcpy(&bitsOfX, &x, sizeof bitsOfX);
+    const int64_t significand =
+        static_cast<int64_t>((bitsOfX & ((uint64_t{1} << 52) - 1u)) | (uint64_t{1} << 52));
+    const int exponent = static_cast<int>((bitsOfX >> 52) & 0x7FFu) - 1075;
+    writeShiftedInteger(x < 0.0 ? -significand : significand, exponent + pad, words, nw);
 }
 
 }  // namespace
@@ -268,19 +159,32 @@ double fix2float(const int32_t* words, int bits, int sign)
     return sum + top * scale;
 }
 
-int float2fixInDoubles(double value, int bits, int32_t* words, int sign, int round, int wrap)
+int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round, int wrap)
 {
     // A width below 1 has no words in use; nothing is written for it.
     if (bits < 1)
         return 0;
-    const int r = bits % 32;
-    const int nw = wordCount(bits);
+    const int nw = wordsInUse(bits);
+    const int pad = 32 * nw - bits;
+    if (value > -smallValueLimit && value < smallValueLimit) {
+        // Wider than 64 bits: the integer steps of the inline part, with the
+        // pattern's sign filling the words above its 64 bits.
+        int saturated = 0;
+        int64_t x = roundSmallValue(value, round);
+        if (wrap == 0)
+            x = saturateSmallValue(x, bits, sign, saturated);
+        writeShiftedInteger(x, pad, words, nw);
+        return saturated;
+    }
     double x = roundToInteger(value, round);
-    if (wrap != 0)
+    Bound bound = Bound::Zero;
+    if (wrap != 0) {
         x = wrapIntoRange(x, bits);
-    else if (saturateIfOutOfRange(x, bits, words, nw, r, sign) != 0)
+    } else if (isOutOfRange(x, bits, sign, bound)) {
+        writeBound(words, bits, bound);
         return 1;
-    splitIntoWords(x, words, nw, r);
+    }
+    splitIntoWords(x, words, nw, pad);
     return 0;
 }
 

@@ -1,5 +1,5 @@
-// Format conversion on mantissa words: the five kernels behind fixedformat and
-// the word-array routine fixformat.
+// Format conversion on mantissa words: the one conversion behind fixformat,
+// fixedformat and the five kernels.
 //
 // Every conversion is the same few steps on left-aligned words, with bit
 // positions counted from the top of the source (0 = its top bit) and the
@@ -7,13 +7,16 @@
 // gained, negative when integer bits are lost):
 //   1. range check of the lost integer bits (unless wrapping around), which
 //      may end the conversion with a saturation pattern;
-//   2. shifted copy of the kept source bits, sign-extended above the source's
-//      top, the lowest copied word masked so that dropped bits and the
-//      source's pad bits stay out;
+//   2. shifted copy: destination word j is the 32 source bits from position
+//      32 j - d, sign extension above the source's top and zeros below its
+//      last bit, the lowest word cut to the destination's width;
 //   3. rounding: one unit in the last place when the most significant dropped
 //      bit is set, carried upward, with an overflow test after the carry.
-// The kernels differ only in what they are told about the source, so each one
-// states how many source bits it may read and hands over to convertWords.
+// The source is first read once into a window framed by zero words below
+// and extension words above, so that whole words move with two loads and two
+// shifts each, without a bound per read. Formats of up to 64 bits take the
+// same steps on one 64-bit integer. The kernels differ only in what they are told about the
+// source, so each states how many source bits it may read.
 // Nothing here allocates or touches floating point; no source word outside
 // the bits a caller vouches for is read and no destination word outside the
 // result's words in use is written.
@@ -24,256 +27,200 @@
 namespace Fixed {
 namespace {
 
-// floor(position / 32) for negative positions too.
-int wordIndexOf(int position)
-{
-    return position >= 0 ? position / 32 : -((31 - position) / 32);
-}
-
-// The source mantissa read from its top word down, bounded to the words that
-// exist. Positions above the top read as the sign extension (all ones for a
-// negative signed source), positions below the last readable bit as zero.
-// The lowest readable word is masked to its mantissa bits, so pad bits never
-// take part.
-class SourceBits {
+// The source mantissa, lowest word first, between the words that stand for
+// everything around it: zeros below its last bit and, above its top, the
+// extension (all ones for a negative signed source, else zero). Six words
+// on either side cover every read of a destination of up to five words
+// plus the word below it, so once a read's start is clamped into the window
+// no read needs a bound of its own. The lowest source word is cut to its
+// mantissa bits, so pad bits never take part.
+class SourceWindow {
 public:
-    // A width outside 1..160 is no mantissa: nothing of it is read.
-    SourceBits(const int32_t* top, int bits, int sign)
-        : m_top(top),
-          m_bits(bits),
-          m_words(isMantissaWidth(bits) ? wordCount(bits) : 0),
-          m_lowMask(isMantissaWidth(bits) ? highmask[bits % 32] : 0u),
-          m_extension(m_words > 0 && sign != 0 && (asUnsigned(top[0]) & 0x80000000u) != 0u
-                          ? 0xFFFFFFFFu
-                          : 0u)
+    static constexpr int margin = maxWords + 1;
+
+    // bits must lie in 1..160.
+    SourceWindow(const int32_t* low, int bits, int words, int sign)
+        : m_words(words),
+          m_extension(sign != 0 && (asUnsigned(low[words - 1]) & 0x80000000u) != 0u ? 0xFFFFFFFFu
+                                                                                    : 0u)
     {
+        for (int i = 0; i < margin; ++i)
+            m_window[i] = 0u;
+        // The lowest word on its own, cut to its mantissa bits; the others
+        // then start at a record's second word (so that a wide load of them
+        // stays within one of the 16-byte stores a by-value record is
+        // usually copied with, and can be forwarded).
+        m_window[margin] = asUnsigned(low[0]) & highmask[bits % 32];
+        for (int i = 1; i < words; ++i)
+            m_window[margin + i] = asUnsigned(low[i]);
+        for (int i = 0; i < margin; ++i)
+            m_window[margin + words + i] = m_extension;
     }
 
-    bool isValid() const { return m_words > 0; }
-
-    int bits() const { return m_bits; }
-    int words() const { return m_words; }
     bool isNegative() const { return m_extension != 0u; }
 
-    // Source word i places below the top.
-    uint32_t word(int i) const
+    // Index in the window of the word holding bit `position` (counted from
+    // the source's top, 0 = its top bit), and the position's offset from
+    // that word's top bit. Positions stay within a few thousand bits
+    // (shifts are clamped to +-1024), so a bias keeps the division on
+    // non-negative numbers.
+    int indexOf(int position) const
     {
-        if (i < 0)
-            return m_extension;
-        if (i >= m_words)
-            return 0u;
-        const uint32_t value = asUnsigned(m_top[-i]);
-        return i == m_words - 1 ? value & m_lowMask : value;
+        return margin + m_words - 1 - (static_cast<int>(biased(position) / 32u) - bias / 32);
+    }
+    static int offsetOf(int position) { return static_cast<int>(biased(position) % 32u); }
+
+    // A start index for `count` further words downward, clamped into the
+    // window: above it every word is the extension, below it zero.
+    int clampedStart(int index, int count) const
+    {
+        const int highest = margin + m_words + margin - 1;
+        return index > highest ? highest : (index < count ? count : index);
     }
 
-    // The 32 bits starting at a position, top bit first.
-    uint32_t wordAt(int position) const
+    uint32_t word(int index) const { return m_window[index]; }
+
+    // The 32 bits from `offset` bits below the top of `high` on, `low` the
+    // word below it: 32-bit shifts only (the 32-bit ARM target has no wider
+    // ones), the second split in two so that an offset of 0 shifts by 32
+    // nowhere.
+    static uint32_t bitsAt(uint32_t high, uint32_t low, int offset)
     {
-        const int index = wordIndexOf(position);
-        const int shift = position - 32 * index;
-        if (shift == 0)
-            return word(index);
-        return (word(index) << shift) | (word(index + 1) >> (32 - shift));
+        return (high << offset) | ((low >> 1) >> (31 - offset));
     }
 
     bool bitAt(int position) const
     {
-        const int index = wordIndexOf(position);
-        return (word(index) & highbit[position - 32 * index]) != 0u;
+        const int index = clampedStart(indexOf(position), 0);
+        return (m_window[index] & highbit[offsetOf(position)]) != 0u;
+    }
+
+    // Whether the top `count` bits all repeat the extension. Below the
+    // source every word reads as zero, so the scan stops at the first of them.
+    bool topBitsRepeatExtension(int count) const
+    {
+        const int wholeWords = count / 32;
+        const int top = margin + m_words - 1;
+        const int scanned = wholeWords < m_words + 1 ? wholeWords : m_words + 1;
+        for (int i = 0; i < scanned; ++i) {
+            if (m_window[top - i] != m_extension)
+                return false;
+        }
+        if (wholeWords > m_words)
+            return m_extension == 0u;
+        const int rest = count % 32;
+        return rest == 0 || ((m_window[top - wholeWords] ^ m_extension) & highmask[rest]) == 0u;
     }
 
 private:
-    const int32_t* m_top;
-    int m_bits;
+    static constexpr int bias = 1 << 14;
+    static unsigned biased(int position) { return static_cast<unsigned>(position + bias); }
+
     int m_words;
-    uint32_t m_lowMask;
     uint32_t m_extension;
+    uint32_t m_window[margin + maxWords + margin];
 };
 
-// The destination: its top word and its width, words in use cleared on entry.
-struct Destination {
-    int32_t* top;
-    int bits;
-
-    Destination(int32_t* topWord, int64_t width)
-        : top(topWord), bits(isMantissaWidth(width) ? static_cast<int>(width) : 0)
-    {
-    }
-
-    bool isValid() const { return bits > 0; }
-    int words() const { return wordCount(bits); }
-    int padShift() const { return bits % 32; }
-};
-
-enum class Saturation { None, UnsignedMaximum, SignedMaximum, SignedMinimum };
-
-Saturation maximumFor(int sign)
+// Adds `unit` (zero, or one unit in the last place of the width) to the
+// words of a width, lowest first, carrying through every word without a
+// branch on the data (the rounding bit is a coin toss for real values).
+// Returns true when that overflowed the format: the carry reached the top
+// word and made it 0 (unsigned) or 0x80000000 (signed, the maximum became
+// negative).
+bool addWithCarry(int32_t* words, int nw, uint32_t unit, int sign)
 {
-    return sign != 0 ? Saturation::SignedMaximum : Saturation::UnsignedMaximum;
+    uint32_t carry = unit;
+    for (int i = 0; i < nw - 1; ++i) {
+        const uint32_t sum = asUnsigned(words[i]) + carry;
+        words[i] = asWord(sum);
+        carry = sum < carry ? 1u : 0u;
+    }
+    // The carry into the top word is what reached it.
+    const uint32_t top = asUnsigned(words[nw - 1]) + carry;
+    words[nw - 1] = asWord(top);
+    return carry != 0u && top == (sign != 0 ? 0x80000000u : 0u);
 }
 
-// The saturation patterns, left-aligned in the destination's words. The
-// minimum writes only its top word; the words below stay as cleared.
-void writeSaturation(const Destination& dst, Saturation pattern)
+// Whether a width names a mantissa; the width itself, or 0 when not.
+int mantissaWidthOrZero(int64_t bits)
 {
-    const int nw = dst.words();
-    if (pattern == Saturation::SignedMinimum) {
-        dst.top[0] = asWord(0x80000000u);
-        return;
-    }
-    for (int i = 0; i < nw; ++i)
-        dst.top[-i] = asWord(0xFFFFFFFFu);
-    dst.top[-(nw - 1)] = asWord(highmask[dst.padShift()]);
-    if (pattern == Saturation::SignedMaximum)
-        dst.top[0] = asWord(asUnsigned(dst.top[0]) & 0x7FFFFFFFu);
+    return isMantissaWidth(bits) ? static_cast<int>(bits) : 0;
 }
 
-// Range check of the `lost` top integer bits: they (and the new sign bit of
-// a signed result) must all repeat the value's sign, all zero for a
-// non-negative value and all one for a negative signed one. Stops at the
-// first word that decides.
-Saturation checkRange(const SourceBits& src, int lost, int sign)
+// The conversion on words: src (srcBits readable bits below srcTop) into the
+// cleared destination of dstBits bits whose top word is dstTop and whose top
+// bit lies `gained` bits above the source's. Returns 1 when it wrote a
+// saturation pattern. The words are worked on in place: a result gathered
+// elsewhere and copied over would be read back wide right after narrow
+// stores, which the processor cannot forward.
+uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
+                      int sign, int round, int wrap)
 {
-    const uint32_t expected = src.isNegative() ? 0xFFFFFFFFu : 0u;
-    const Saturation failure = src.isNegative() ? Saturation::SignedMinimum : maximumFor(sign);
-    const int tested = sign != 0 ? lost + 1 : lost;
-    const int wholeWords = tested / 32;
-    for (int i = 0; i < wholeWords; ++i) {
-        if (src.word(i) != expected)
-            return failure;
-        // Beyond the source every word reads as zero, and zeros were
-        // expected: the rest passes too.
-        if (i >= src.words())
-            return Saturation::None;
-    }
-    const int rest = tested % 32;
-    if (rest > 0 && ((src.word(wholeWords) ^ expected) & highmask[rest]) != 0u)
-        return failure;
-    return Saturation::None;
-}
-
-// ORs the source bits that land in the top `bits` destination bits into the
-// destination, source position -d at the destination's top bit. The lowest
-// word written is masked to those bits.
-void shiftedCopy(const SourceBits& src, const Destination& dst, int bits, int d)
-{
-    const int nw = wordCount(bits);
-    for (int j = 0; j < nw; ++j) {
-        uint32_t value = src.wordAt(32 * j - d);
-        if (j == nw - 1)
-            value &= highmask[bits % 32];
-        dst.top[-j] = asWord(asUnsigned(dst.top[-j]) | value);
-    }
-}
-
-// Adds one unit in the destination's last place and carries it upward until
-// a word does not wrap to zero or the top word has been incremented. Returns
-// true when that overflowed the format: the carry reached the top word and
-// made it 0 (unsigned) or 0x80000000 (signed, the maximum became negative).
-bool addUnitInLastPlace(const Destination& dst, int sign)
-{
-    const int r = dst.padShift();
-    int i = dst.words() - 1;
-    uint32_t sum = asUnsigned(dst.top[-i]) + (r == 0 ? 1u : lowbit[32 - r]);
-    dst.top[-i] = asWord(sum);
-    while (sum == 0u && i > 0) {
-        --i;
-        sum = asUnsigned(dst.top[-i]) + 1u;
-        dst.top[-i] = asWord(sum);
-    }
-    return i == 0 && sum == (sign != 0 ? 0x80000000u : 0u);
-}
-
-// The whole conversion: src into a destination of dst.bits bits whose top
-// bit lies d bits above the source's. Returns 1 when a saturation pattern
-// was written.
-uint32_t convertWords(const SourceBits& src, const Destination& dst, int d, int sign, int round,
-                      int wrap)
-{
-    if (!src.isValid() || !dst.isValid())
+    if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
         return 0u;
-    if (d < 0 && wrap == 0) {
-        const Saturation saturation = checkRange(src, -d, sign);
-        if (saturation != Saturation::None) {
-            writeSaturation(dst, saturation);
-            return 1u;
-        }
+    const int nws = wordsInUse(srcBits);
+    const int nwt = wordsInUse(dstBits);
+    const SourceWindow src(srcTop - (nws - 1), srcBits, nws, sign);
+    int32_t* const dstLow = dstTop - (nwt - 1);
+    // The lost integer bits, and the new sign bit of a signed result, must
+    // all repeat the value's sign.
+    const int tested = -gained + (sign != 0 ? 1 : 0);
+    if (gained < 0 && wrap == 0 && !src.topBitsRepeatExtension(tested)) {
+        writeBound(dstLow, dstBits, src.isNegative() ? Bound::SignedMinimum : maximumFor(sign));
+        return 1u;
     }
-    const int keptBits = dst.bits - d;  // source bits at or above the destination's last place
-    const bool dropsBits = src.bits() > keptBits;
-    shiftedCopy(src, dst, dropsBits ? dst.bits : d + src.bits(), d);
-    if (dropsBits && round != 0 && src.bitAt(keptBits) && addUnitInLastPlace(dst, sign) &&
-        wrap == 0) {
-        writeSaturation(dst, maximumFor(sign));
+    // Destination word j (from the top) is the 32 source bits from position
+    // 32 j - gained on.
+    const int offset = SourceWindow::offsetOf(-gained);
+    const int first = src.clampedStart(src.indexOf(-gained), nwt);
+    uint32_t high = src.word(first);
+    for (int j = 0; j < nwt - 1; ++j) {
+        const uint32_t low = src.word(first - j - 1);
+        dstTop[-j] = asWord(asUnsigned(dstTop[-j]) | SourceWindow::bitsAt(high, low, offset));
+        high = low;
+    }
+    const uint32_t last = SourceWindow::bitsAt(high, src.word(first - nwt), offset);
+    dstLow[0] = asWord(asUnsigned(dstLow[0]) | (last & highmask[dstBits % 32]));
+    // Rounding adds one unit in the last place when the most significant
+    // dropped bit is set.
+    const int keptBits = dstBits - gained;  // source bits at or above the last place
+    if (round == 0 || srcBits <= keptBits)
+        return 0u;
+    const int r = dstBits % 32;
+    const uint32_t unit = src.bitAt(keptBits) ? (r == 0 ? 1u : lowbit[32 - r]) : 0u;
+    if (addWithCarry(dstLow, nwt, unit, sign) && wrap == 0) {
+        writeBound(dstLow, dstBits, maximumFor(sign));
         return 1u;
     }
     return 0u;
 }
 
-}  // namespace
-
-void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign)
-{
-    // The smallest destination that holds every source bit: any further low
-    // words of the real destination stay zero.
-    const int gained = clampedShift(d);
-    convertWords(SourceBits(srcTop, n, sign), Destination(dstTop, int64_t{gained} + n), gained, sign,
-                 0, 0);
-}
-
-void fixwidenround(const int32_t* srcTop, int32_t* dstTop, int kept, int d, int sign, int round)
-{
-    // The source width is not known, but the kept bits and the rounding bit
-    // below them exist (with kept <= 0 only the top bit, for the sign).
-    const int gained = clampedShift(d);
-    const int keptBits = clampedShift(kept);
-    const int readable = keptBits < 0 ? 1 : keptBits + 1;
-    convertWords(SourceBits(srcTop, readable, sign), Destination(dstTop, int64_t{gained} + keptBits),
-                 gained, sign, round, 0);
-}
-
-uint32_t fixround(const int32_t* srcTop, int32_t* dstTop, int bt, int sign, int round, int wrap)
-{
-    // The source holds at least the kept bits and the rounding bit.
-    const int readable = clampedShift(int64_t{bt} + 1);
-    return convertWords(SourceBits(srcTop, readable, sign), Destination(dstTop, bt), 0, sign, round,
-                        wrap);
-}
-
-uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k, int sign, int wrap)
-{
-    return convertWords(SourceBits(srcTop, n, sign), Destination(dstTop, bt), clampedShift(-int64_t{k}),
-                        sign, 0, wrap);
-}
-
-uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
-                        int wrap)
-{
-    // The source holds at least the lost bits, the kept bits and the
-    // rounding bit.
-    const int lost = clampedShift(k);
-    const int readable = clampedShift(int64_t{bt} + lost + 1);
-    return convertWords(SourceBits(srcTop, readable, sign), Destination(dstTop, bt), -lost, sign,
-                        round, wrap);
-}
-
-bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained, int sign,
-                 int round, int wrap, uint32_t& saturated)
+// The conversion for source and destination widths of at most 64 bits whose
+// result integer lies within the 64 bits read (no more integer bits gained
+// than the destination's pad), on one 64-bit integer: ORs the result into
+// dst and sets `saturated`. Returns false, touching nothing, for every other
+// conversion, which the word steps handle.
+inline bool convertWithin64Bits(const int32_t* src, int32_t* dst, int srcbits, int dstbits,
+                                int gained, int sign, int round, int wrap, uint32_t& saturated)
 {
     // The source is read left-aligned in 64 bits; shifting it right by
     // `shift` = (integer bits lost) + (64 - result bits) leaves the result's
     // integer m, the bit below it is the rounding bit, and m is then
     // saturated or wrapped and stored left-aligned. That is the conversion's
-    // numeric contract step for step, so the kernels give the same words.
+    // numeric contract step for step, so the word steps give the same words.
     if (srcbits < 1 || srcbits > 64 || dstbits < 1 || dstbits > 64)
         return false;
     const int pad = 64 - dstbits;
     const int shift = gained + pad;  // gained is clamped to +-1024: no overflow
     if (shift < 0)
         return false;
-    uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | asUnsigned(src[0])
-                              : uint64_t{asUnsigned(src[0])} << 32;
-    a &= ~uint64_t{0} << (64 - srcbits);  // pad bits take no part
+    // Pad bits take no part: they are cut from the lowest word before the
+    // words are joined. (That also keeps the two loads apart: one wide load
+    // of a record's words 0 and 1 would straddle the two 16-byte stores a
+    // by-value record is usually copied with, which cannot be forwarded.)
+    const uint32_t lowest = asUnsigned(src[0]) & highmask[srcbits % 32];
+    const uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | lowest
+                                    : uint64_t{lowest} << 32;
     const bool negative = sign != 0 && (a >> 63) != 0;
     // m's two's complement bits: a shifted right, sign-extended when signed.
     uint64_t m = 0;
@@ -323,20 +270,67 @@ bool fixformat64(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int
     return true;
 }
 
+}  // namespace
+
+void fixwiden(const int32_t* srcTop, int32_t* dstTop, int n, int d, int sign)
+{
+    // The smallest destination that holds every source bit: any further low
+    // words of the real destination stay zero.
+    const int gained = clampedShift(d);
+    convertWords(srcTop, n, dstTop, mantissaWidthOrZero(int64_t{gained} + n), gained, sign, 0, 0);
+}
+
+void fixwidenround(const int32_t* srcTop, int32_t* dstTop, int kept, int d, int sign, int round)
+{
+    // The source width is not known, but the kept bits and the rounding bit
+    // below them exist (with kept <= 0 only the top bit, for the sign).
+    const int gained = clampedShift(d);
+    const int keptBits = clampedShift(kept);
+    const int readable = keptBits < 0 ? 1 : keptBits + 1;
+    convertWords(srcTop, readable, dstTop, mantissaWidthOrZero(int64_t{gained} + keptBits), gained,
+                 sign, round, 0);
+}
+
+uint32_t fixround(const int32_t* srcTop, int32_t* dstTop, int bt, int sign, int round, int wrap)
+{
+    // The source holds at least the kept bits and the rounding bit.
+    const int readable = clampedShift(int64_t{bt} + 1);
+    return convertWords(srcTop, readable, dstTop, bt, 0, sign, round, wrap);
+}
+
+uint32_t fixnarrow(const int32_t* srcTop, int32_t* dstTop, int n, int bt, int k, int sign, int wrap)
+{
+    return convertWords(srcTop, n, dstTop, bt, clampedShift(-int64_t{k}), sign, 0, wrap);
+}
+
+uint32_t fixnarrowround(const int32_t* srcTop, int32_t* dstTop, int bt, int k, int sign, int round,
+                        int wrap)
+{
+    // The source holds at least the lost bits, the kept bits and the
+    // rounding bit.
+    const int lost = clampedShift(k);
+    const int readable = clampedShift(int64_t{bt} + lost + 1);
+    return convertWords(srcTop, readable, dstTop, bt, -lost, sign, round, wrap);
+}
+
+uint32_t convertFormat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int gained,
+                       int sign, int round, int wrap)
+{
+    uint32_t saturated = 0;
+    if (convertWithin64Bits(src, dst, srcbits, dstbits, gained, sign, round, wrap, saturated))
+        return saturated;
+    if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
+        return 0u;
+    return convertWords(src + wordsInUse(srcbits) - 1, srcbits, dst + wordsInUse(dstbits) - 1,
+                        dstbits, gained, sign, round, wrap);
+}
+
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
                    int dstexp, int sign, int round, int wrap)
 {
-    // Widths outside 1..160 name no mantissa: nothing is read or written.
-    if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
-        return 0u;
     const int64_t gained =
         (int64_t{dstbits} + int64_t{dstexp}) - (int64_t{srcbits} + int64_t{srcexp});
-    uint32_t saturated = 0;
-    if (fixformat64(src, dst, srcbits, dstbits, clampedShift(gained), sign, round, wrap, saturated))
-        return saturated;
-    return convertWords(SourceBits(src + wordCount(srcbits) - 1, srcbits, sign),
-                        Destination(dst + wordCount(dstbits) - 1, dstbits), clampedShift(gained), sign,
-                        round, wrap);
+    return convertFormat(src, dst, srcbits, dstbits, clampedShift(gained), sign, round, wrap);
 }
 
 }  // namespace Fixed
