@@ -28,6 +28,21 @@ struct FlagMessages {
 void reportInvalidFlags(const char* function, const FlagMessages& messages, int sign, int round,
                         int wrap);
 
+/// The format fields two operands must share. Comparisons by value read each
+/// mantissa under its own signedness and need width and exponent only; the
+/// word-wise operations need the signedness too.
+enum class FormatFields { WidthAndExponent, All };
+
+/// Whether a and b agree in the given fields. The operations report a
+/// mismatch and then carry on with the raw words.
+inline bool formatsMatch(const fixed& a, const fixed& b, FormatFields fields = FormatFields::All)
+{
+    // Differences ORed rather than tested in turn: one branch on the hot paths.
+    const uint32_t widthAndExponent = asUnsigned(a.bits ^ b.bits) | asUnsigned(a.exp ^ b.exp);
+    const uint32_t signedness = fields == FormatFields::All ? asUnsigned(a.sign ^ b.sign) : 0u;
+    return (widthAndExponent | signedness) == 0u;
+}
+
 /// True when any flag is invalid or the width exceeds a record: the calls
 /// that have something to report.
 inline bool hasArgumentToReport(int sign, int round, int wrap, int bits)

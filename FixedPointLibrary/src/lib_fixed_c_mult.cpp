@@ -11,7 +11,9 @@ fixed fixedmult(fixed a, fixed b)
     fixed result;
     result.bits = wrappingAdd(a.bits, b.bits);
     result.exp = wrappingAdd(a.exp, b.exp);
-    result.sign = (a.sign != 0 || b.sign != 0) ? 1 : 0;
+    // The fields are ORed as they stand: 0 and 1 give the usual signedness,
+    // and a field outside them is carried into the product's.
+    result.sign = a.sign | b.sign;
     for (int32_t& word : result.val)
         word = 0;
     if (result.bits > maxBits) {
