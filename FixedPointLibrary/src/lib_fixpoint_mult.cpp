@@ -33,25 +33,26 @@ WordProduct multiplyWords(uint32_t x, uint32_t y)
 }
 
 // Adds a word into out[k] and counts the wrap in carries[k] instead of
-// propagating it now. The wrap is added as a number, not branched on: with
-// varied operands it is as unpredictable as the data.
+// propagating it now.
 void accumulate(int32_t* out, uint32_t* carries, int k, uint32_t addend)
 {
     const uint32_t sum = asUnsigned(out[k]) + addend;
-    carries[k] += sum < addend ? 1u : 0u;
+    if (sum < addend)
+        ++carries[k];
     out[k] = asWord(sum);
 }
 
 // Folds the counted carries into the words above them, lowest first; a wrap
 // while folding is counted at the next position and folded at the next step.
-// A zero counter adds nothing, so every counter is folded without a test.
 // The top product word never receives a carry, so k + 1 stays inside the
 // nx + ny words even for nout = nx + ny.
 void foldCarries(int32_t* out, uint32_t* carries, int nout, int total)
 {
     const int last = nout < total ? nout : total - 1;
-    for (int k = 0; k < last; ++k)
-        accumulate(out, carries, k + 1, carries[k]);
+    for (int k = 0; k < last; ++k) {
+        if (carries[k] != 0u)
+            accumulate(out, carries, k + 1, carries[k]);
+    }
 }
 
 bool isNegative(const int32_t* words, int n, int isSigned)
