@@ -68,6 +68,12 @@ Quantised fixedformatWithFlag(fixed x, int intbits, int fracbits, int sign, int 
 
 /// 2^exp x mantissa.
 double fixed2double(fixed f);
+/// The mantissa alone as a double, read in place: what fixed2double scales,
+/// for callers that need M itself (the class's raw 64-bit pattern).
+inline double mantissa2double(const fixed& f)
+{
+    return fix2float(f.val, f.bits, f.sign);
+}
 /// f with exp moved by n: the value times 2^n, mantissa words unchanged.
 fixed fixedshift(fixed f, int n);
 /// x re-quantised into intbits integer and fracbits fractional bits; the
