@@ -32,7 +32,44 @@ std::vector<CFixedPoint> objectsFor(const Format& f, unsigned seed)
     return objects;
 }
 
-void registerOurs(int width)
+#ifdef FIXEDPOINT_BENCH_SYSTEMC
+void registerSystemC(int width)
+{
+    using namespace sc_dt;
+    const Format f = bench::formatFor(width);
+    bench::add("class from double", "systemc", width, [f](benchmark::State& state) {
+        bench::runOver(state, valuesInside(f), [f](double value) {
+            sc_fix x(value, f.bits, f.intbits, SC_RND, SC_SAT);
+            benchmark::DoNotOptimize(x);
+            return 0;
+        });
+    });
+    bench::add("class reformat", "systemc", width, [f](benchmark::State& state) {
+        bench::runOver(state, bench::scFixesFor(f, 3), [f](const sc_fix& source) {
+            sc_fix result(source, f.bits, f.intbits + 4, SC_RND, SC_SAT);
+            benchmark::DoNotOptimize(result);
+            return 0;
+        });
+    });
+    bench::add("class +=", "systemc", width, [f](benchmark::State& state) {
+        sc_fix sum(0.0, f.bits, f.intbits, SC_TRN, SC_WRAP);
+        bench::runOver(state, bench::scFixesFor(f, 2), [&sum](const sc_fix& term) {
+            sum += term;
+            benchmark::ClobberMemory();
+            return 0;
+        });
+        benchmark::DoNotOptimize(sum.to_double());
+    });
+    if (width <= 64) {
+        bench::add("class GetValueAs_uint64_t", "systemc", width, [f](benchmark::State& state) {
+            bench::runOver(state, bench::scFixesFor(f, 1),
+                           [f](const sc_fix& x) { return x.range(f.bits - 1, 0).to_uint64(); });
+        });
+    }
+}
+#endif
+
+void registerWidth(int width)
 {
     const Format f = bench::formatFor(width);
     bench::add("class from double", "ours", width, [f](benchmark::State& state) {
@@ -71,52 +108,15 @@ void registerOurs(int width)
                            [](const CFixedPoint& x) { return x.GetValueAs_uint64_t(); });
         });
     }
+#ifdef FIXEDPOINT_BENCH_SYSTEMC
+    registerSystemC(width);
+#endif
 }
 
-#ifdef FIXEDPOINT_BENCH_SYSTEMC
-void registerSystemC(int width)
-{
-    using namespace sc_dt;
-    const Format f = bench::formatFor(width);
-    bench::add("class from double", "systemc", width, [f](benchmark::State& state) {
-        bench::runOver(state, valuesInside(f), [f](double value) {
-            sc_fix x(value, f.bits, f.intbits, SC_RND, SC_SAT);
-            benchmark::DoNotOptimize(x);
-            return 0;
-        });
-    });
-    bench::add("class reformat", "systemc", width, [f](benchmark::State& state) {
-        bench::runOver(state, bench::scFixesFor(f, 3), [f](const sc_fix& source) {
-            sc_fix result(source, f.bits, f.intbits + 4, SC_RND, SC_SAT);
-            benchmark::DoNotOptimize(result);
-            return 0;
-        });
-    });
-    bench::add("class +=", "systemc", width, [f](benchmark::State& state) {
-        sc_fix sum(0.0, f.bits, f.intbits, SC_TRN, SC_WRAP);
-        bench::runOver(state, bench::scFixesFor(f, 2), [&sum](const sc_fix& term) {
-            sum += term;
-            benchmark::ClobberMemory();
-            return 0;
-        });
-        benchmark::DoNotOptimize(sum.to_double());
-    });
-    if (width <= 64) {
-        bench::add("class GetValueAs_uint64_t", "systemc", width, [f](benchmark::State& state) {
-            bench::runOver(state, bench::scFixesFor(f, 1),
-                           [f](const sc_fix& x) { return x.range(f.bits - 1, 0).to_uint64(); });
-        });
-    }
-}
-#endif
 
 const bench::Registration registration([] {
-    for (int width : bench::widths) {
-        registerOurs(width);
-#ifdef FIXEDPOINT_BENCH_SYSTEMC
-        registerSystemC(width);
-#endif
-    }
+    for (int width : bench::widths)
+        registerWidth(width);
 });
 
 }  // namespace

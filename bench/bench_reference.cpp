@@ -9,8 +9,6 @@
 
 namespace {
 
-using bench::tableMask;
-
 // The floors do not depend on the width; one format stands for all.
 const bench::Format format = bench::formatFor(64);
 const char* const implementation = "floor";
@@ -19,43 +17,27 @@ const char* const anyWidth = "any";
 const bench::Registration registration([] {
     bench::add("empty call fixed(fixed, fixed)", implementation, anyWidth,
                [](benchmark::State& state) {
-                   const auto a = bench::recordsFor(format, 1);
-                   const auto b = bench::recordsFor(format, 2);
-                   std::size_t i = 0;
-                   for (auto _ : state) {
-                       benchmark::DoNotOptimize(bench::emptyRecordOperation(a[i], b[i]));
-                       i = (i + 1) & tableMask;
-                   }
+                   bench::runOverPairs(state, bench::recordsFor(format, 1),
+                                       bench::recordsFor(format, 2), bench::emptyRecordOperation);
                });
     bench::add("empty call int(fixed, fixed)", implementation, anyWidth,
                [](benchmark::State& state) {
-                   const auto a = bench::recordsFor(format, 1);
-                   const auto b = bench::recordsFor(format, 2);
-                   std::size_t i = 0;
-                   for (auto _ : state) {
-                       benchmark::DoNotOptimize(bench::emptyComparison(a[i], b[i]));
-                       i = (i + 1) & tableMask;
-                   }
+                   bench::runOverPairs(state, bench::recordsFor(format, 1),
+                                       bench::recordsFor(format, 2), bench::emptyComparison);
                });
     bench::add("empty call fixed(double, int x5)", implementation, anyWidth,
                [](benchmark::State& state) {
-                   const auto values = bench::valuesFor(format, 1);
-                   std::size_t i = 0;
-                   for (auto _ : state) {
-                       benchmark::DoNotOptimize(bench::emptyConversion(
-                           values[i], format.intbits, format.fracbits, 1, 1, 0));
-                       i = (i + 1) & tableMask;
-                   }
+                   bench::runOver(state, bench::valuesFor(format, 1), [](double value) {
+                       return bench::emptyConversion(value, format.intbits, format.fracbits, 1, 1, 0);
+                   });
                });
     bench::add("new+delete record", implementation, anyWidth, [](benchmark::State& state) {
-        const auto records = bench::recordsFor(format, 1);
-        std::size_t i = 0;
-        for (auto _ : state) {
-            Fixed::fixed* record = new Fixed::fixed(records[i]);
+        bench::runOver(state, bench::recordsFor(format, 1), [](const Fixed::fixed& value) {
+            Fixed::fixed* record = new Fixed::fixed(value);
             benchmark::DoNotOptimize(record);
             delete record;
-            i = (i + 1) & tableMask;
-        }
+            return 0;
+        });
     });
 });
 
