@@ -85,16 +85,16 @@ int decideGreater(bool greaterWords, uint32_t ea, uint32_t eb, int aSign, int bS
 int fixedgt(fixed a, fixed b)
 {
     // The common case, both operands in one format with a sign field of 0 or
-    // 1 and a valid width, is tested with two branches and laid out
-    // straight: every instruction counts here, where the comparison itself is
-    // a handful of them.
-    const bool oneFormat = formatsMatch(a, b);
-    if (__builtin_expect(!(oneFormat & isMantissaWidth(a.bits) & (asUnsigned(a.sign) <= 1u)), 0))
+    // 1 and a valid width, is laid out straight: every instruction counts
+    // here, where the comparison itself is a handful of them.
+    const bool common =
+        formatsMatch(a, b) && isMantissaWidth(a.bits) && asUnsigned(a.sign) <= 1u;
+    if (__builtin_expect(!common, 0))
         return greaterInGeneral(a, b);
     const int top = static_cast<int>(asUnsigned(a.bits - 1) / 32u);
     const uint32_t aTop = orderedTopWord(a, top);
     const uint32_t bTop = orderedTopWord(b, top);
-    if (__builtin_expect((aTop == bTop) & (top != 0), 0))
+    if (__builtin_expect(aTop == bTop && top != 0, 0))
         return wordsGreater(a.val, b.val, top) ? 1 : 0;
     return aTop > bTop ? 1 : 0;
 }
