@@ -76,6 +76,29 @@ void add(const std::string& operation, const std::string& implementation, int wi
     add(operation, implementation, std::to_string(width), std::move(body));
 }
 
+/// The timed loop of a case: op on successive entries of the table, its
+/// result kept from the optimiser.
+template <typename Table, typename Operation>
+void runOver(benchmark::State& state, const Table& table, Operation op)
+{
+    std::size_t i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(op(table[i]));
+        i = (i + 1) & tableMask;
+    }
+}
+
+/// The timed loop of a two-operand case: op on successive pairs of entries.
+template <typename TableA, typename TableB, typename Operation>
+void runOverPairs(benchmark::State& state, const TableA& a, const TableB& b, Operation op)
+{
+    std::size_t i = 0;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(op(a[i], b[i]));
+        i = (i + 1) & tableMask;
+    }
+}
+
 /// Runs once at static initialisation; each source file registers its cases
 /// with one of these.
 struct Registration {

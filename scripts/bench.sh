@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
-# Builds the benchmark suite in Release, runs it once and prints one table:
-# this library beside SystemC's sc_fix and a plain int32 quantiser.
+# Builds the benchmark suite in Release, runs it once and prints the floors and
+# one table: this library beside SystemC's sc_fix and a plain int32 quantiser.
 #   scripts/bench.sh [extra Google Benchmark flags]
 # BENCH_MIN_TIME (seconds per case, default 0.2) trades time for stability;
 # the raw results stay in build-bench/bench.json.

@@ -64,10 +64,9 @@ TEST_F(SumModel, AddAndSubtractMatchGmpModuloTheWidth)
 TEST(MultiplicationModel, AllWidthPairsMatchGmp)
 {
     std::mt19937_64 random(0x3417);
-    int cases = 0;
     for (int aBits = 1; aBits < Fixed::maxBits; ++aBits) {
         for (int bBits = 1; aBits + bBits <= Fixed::maxBits; ++bBits) {
-            for (int signs = 0; signs < 4; ++signs, ++cases) {
+            for (int signs = 0; signs < 4; ++signs) {
                 const int aSign = signs & 1, bSign = signs >> 1;
                 const mpz_class a = model::edgeWeightedMantissa(random, aBits, aSign != 0);
                 const mpz_class b = model::edgeWeightedMantissa(random, bBits, bSign != 0);
@@ -83,7 +82,26 @@ TEST(MultiplicationModel, AllWidthPairsMatchGmp)
             }
         }
     }
-    EXPECT_EQ(cases, 4 * 159 * 160 / 2);
+}
+
+// The product's sign field is the bitwise OR of the factors' fields, whatever
+// they hold; a nonzero field reads its factor as two's complement.
+TEST(MultiplicationModel, ResultSignIsTheOrOfTheSignFields)
+{
+    struct Case { int aSign, bSign, sign; };
+    const Case cases[] = {{0, 0, 0}, {1, 0, 1}, {0, 1, 1}, {1, 1, 1}, {2, 1, 3}, {1, 2, 3}, {2, 0, 2}, {4, 3, 7}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.aSign << " | " << c.bSign);
+        // -3 in 8 bits (or 253 unsigned) times 0x12345 in 40 bits.
+        const Fixed::fixed a{8, -1, c.aSign, {static_cast<int32_t>(0xFD000000u), 0, 0, 0, 0}};
+        const Fixed::fixed b{40, 2, c.bSign, {0x45000000, 0x00000123, 0, 0, 0}};
+        const Fixed::fixed p = Fixed::fixedmult(a, b);
+        EXPECT_EQ(p.sign, c.sign);
+        EXPECT_EQ(p.bits, 48);
+        EXPECT_EQ(p.exp, 1);
+        const mpz_class product = (c.aSign != 0 ? mpz_class(-3) : mpz_class(253)) * mpz_class(0x12345);
+        EXPECT_EQ(model::readMantissa(p.val, 48, c.sign != 0), product);
+    }
 }
 
 TEST(WordMultiplication, WritesOnlyTheProductWordsForEitherBound)

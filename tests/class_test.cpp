@@ -107,6 +107,10 @@ TEST_F(ClassTest, RawWordsRoundTripThroughTheMantissa)
         {0, 0x1FFF, 12, 0, U, 4095.0, 0xFFF},  // a bit above the width saturates
         {0x08000000, 0x00000001, 60, 0, U, 576460752303423488.0, 0x800000000000000},  // 53 bits kept
         {0, 1, 1, 0, S, -1.0, 1}, {0, 0x7F, 12, -4, S, 2032.0, 0x7F},
+        // A sign field of 2: the pattern is not negated (only SIGN_SIGNED is),
+        // but quantised and read as signed, so 3712 saturates to 2047; nothing
+        // is reported, as this constructor validates nothing.
+        {0, 0xE80, 4, 8, static_cast<CFixedPoint::SIGN>(2), 2047 / 256.0, 0x7FF},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << std::hex << c.msb << ":" << c.lsb << std::dec << " as " << c.intBits << "."

@@ -3,6 +3,7 @@
 
 #include <cmath>
 #include <memory>
+#include <new>
 
 #include "fixed_report.h"
 #include "lib_fixed_c.h"
@@ -12,15 +13,15 @@ namespace {
 
 // The record under construction: released again if a report throws before
 // the constructor completes.
-using RecordHolder = std::unique_ptr<Fixed::fix>;
+using RecordHolder = std::unique_ptr<Fixed::fixed>;
 
-RecordHolder allocateRecord(const Fixed::fix& value)
+RecordHolder allocateRecord(const Fixed::fixed& value)
 {
-    return RecordHolder(new Fixed::fix(value));
+    return RecordHolder(new Fixed::fixed(value));
 }
 
 // Raw pattern V = msb:lsb of a format of at most 64 bits, as the double that
-// float2fix quantises. A signed pattern is negated through its sign bit so
+// is quantised into the mantissa. A signed pattern is negated through its sign bit so
 // the double carries the sign; the pattern is expected to have zeros above
 // its width (other input gives a defined but meaningless double).
 double rawPatternAsDouble(uint64_t pattern, int bits, int sign)
@@ -36,9 +37,30 @@ double rawPatternAsDouble(uint64_t pattern, int bits, int sign)
     return factor * static_cast<double>(pattern);
 }
 
+// The raw pattern x (in mantissa units) floored and saturated into a width
+// of 1 to 64 bits, built as a record with no fractional bits. This
+// constructor validates nothing: a sign field other than 0 and 1 is read as
+// signed, as the quantiser reads it, without the report the record builder
+// would give.
+Fixed::fixed quantiseRawPattern(double x, int bits, int sign)
+{
+    const int signedness = sign != CFixedPoint::SIGN_UNSIGNED ? CFixedPoint::SIGN_SIGNED
+                                                              : CFixedPoint::SIGN_UNSIGNED;
+    return Fixed::double2fixed(x, bits, 0, signedness, CFixedPoint::ROUND_FLOOR,
+                               CFixedPoint::WRAP_SATURATE);
+}
+
+// The mantissa words in use of a valid width copied into a record; the words
+// above keep what the record held.
+void storeMantissa(Fixed::fixed& record, const Fixed::fixed& value)
+{
+    for (int i = 0; i < Fixed::wordCount(value.bits); ++i)
+        record.val[i] = value.val[i];
+}
+
 // floor(x) as a 64-bit pattern: two's complement for negative values, the
 // plain value up to 2^64 - 1, and 2^64 - 1 for 2^64 itself (an unsigned
-// 64-bit mantissa near the top rounds up to it in fix2float). The C++
+// 64-bit mantissa near the top rounds up to it as a double). The C++
 // conversion is undefined outside the target range, so the cases are spelled
 // out; NaN gives 0.
 uint64_t floorAsPattern(double x)
@@ -58,9 +80,9 @@ uint64_t floorAsPattern(double x)
 
 }  // namespace
 
-CFixedPoint::CFixedPoint(const Fixed::fix& value) : m_pValue(new Fixed::fix(value)) {}
+CFixedPoint::CFixedPoint(const Fixed::fixed& value) : m_pValue(new Fixed::fixed(value)) {}
 
-CFixedPoint::CFixedPoint(const CFixedPoint& other) : m_pValue(new Fixed::fix(other.GetValue())) {}
+CFixedPoint::CFixedPoint(const CFixedPoint& other) : m_pValue(new Fixed::fixed(other.GetValue())) {}
 
 CFixedPoint::CFixedPoint(const double& value, int preDecimalBits, int fractionBits,
                          CFixedPoint::SIGN sign, CFixedPoint::ROUND round, CFixedPoint::WRAP wrap,
@@ -70,7 +92,7 @@ CFixedPoint::CFixedPoint(const double& value, int preDecimalBits, int fractionBi
     // The conversion's result is built directly in the heap record (no
     // temporary to copy); the record is released again if a report throws.
     RecordHolder record(
-        new Fixed::fix(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap)));
+        new Fixed::fixed(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap)));
     if (warn && !PreDecimalSufficient(value, preDecimalBits, sign, maxValue)) {
         FIXED_REPORT(Fixed::signature::constructFromDouble, Fixed::message::predecimalBefore,
                      preDecimalBits, Fixed::message::predecimalMiddle, value,
@@ -92,7 +114,7 @@ CFixedPoint::CFixedPoint(const unsigned int& msb, const unsigned int& lsb, int p
     if (raw.bits >= 1 && raw.bits <= 64) {
         const uint64_t pattern = (uint64_t{msb} << 32) | lsb;
         const double x = rawPatternAsDouble(pattern, raw.bits, sign);
-        Fixed::float2fix(x, raw.bits, record->val, sign, ROUND_FLOOR, WRAP_SATURATE);
+        storeMantissa(*record, quantiseRawPattern(x, raw.bits, sign));
     }
     m_pValue = record.release();
 }
@@ -103,7 +125,7 @@ CFixedPoint::CFixedPoint(const CFixedPoint& other, int preDecimalBits, int fract
 {
     // The conversion's result is built directly in the heap record (no
     // temporary to copy); a report that throws releases the record again.
-    m_pValue = new Fixed::fix(
+    m_pValue = new Fixed::fixed(
         Fixed::fixedformat(*other.m_pValue, preDecimalBits, fractionBits, sign, round, wrap));
 }
 
@@ -119,7 +141,7 @@ CFixedPoint::~CFixedPoint()
     m_pValue = nullptr;
 }
 
-Fixed::fix CFixedPoint::GetValue() const
+Fixed::fixed CFixedPoint::GetValue() const
 {
     return *m_pValue;
 }
@@ -171,7 +193,7 @@ uint64_t CFixedPoint::GetValueAs_uint64_t() const
     }
     if (bits < 1)
         return 0u;
-    const uint64_t pattern = floorAsPattern(Fixed::fix2float(m_pValue->val, bits, m_pValue->sign));
+    const uint64_t pattern = floorAsPattern(Fixed::mantissa2double(*m_pValue));
     return bits == 64 ? pattern : pattern & ((uint64_t{1} << bits) - 1u);
 }
 
@@ -192,8 +214,12 @@ unsigned int CFixedPoint::LSB() const
 
 CFixedPoint& CFixedPoint::operator+=(const CFixedPoint& other)
 {
-    // The sum is formed before the record is overwritten: a report that
-    // throws leaves this object unchanged, and x += x adds the old value.
-    *m_pValue = Fixed::fixedadd(*m_pValue, other.GetValue());
+    // The sum is built directly in this object's record: both operands are
+    // copies taken before the call (so x += x adds the old value), and
+    // fixedadd reports a mismatch before it writes its result, so a report
+    // that throws leaves this object unchanged. Assigning a returned record
+    // instead would copy it with wide loads right after the addition's
+    // narrow word stores, which the processor cannot forward.
+    new (m_pValue) Fixed::fixed(Fixed::fixedadd(*m_pValue, other.GetValue()));
     return *this;
 }

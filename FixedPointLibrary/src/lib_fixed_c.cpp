@@ -10,16 +10,6 @@
 namespace Fixed {
 namespace {
 
-bool sameWidthAndExponent(const fixed& a, const fixed& b)
-{
-    return a.bits == b.bits && a.exp == b.exp;
-}
-
-bool sameFormat(const fixed& a, const fixed& b)
-{
-    return sameWidthAndExponent(a, b) && a.sign == b.sign;
-}
-
 // The words of a record with a valid width: value x 2^fracbits quantised
 // (2^fracbits rather than 2^-exp, whose negation could overflow for the most
 // negative fracbits).
@@ -45,7 +35,7 @@ using WordChain = int (*)(int32_t*, const int32_t*, const int32_t*, int);
 fixed combineWordwise(const fixed& a, const fixed& b, const char* function, const char* mismatch,
                       WordChain chain)
 {
-    if (!sameFormat(a, b))
+    if (!formatsMatch(a, b))
         FIXED_REPORT(function, mismatch);
     const int nw = recordWordCount(a.bits);
     fixed result = a;

@@ -28,6 +28,21 @@ struct FlagMessages {
 void reportInvalidFlags(const char* function, const FlagMessages& messages, int sign, int round,
                         int wrap);
 
+/// The format fields two operands must share. Comparisons by value read each
+/// mantissa under its own signedness and need width and exponent only; the
+/// word-wise operations need the signedness too.
+enum class FormatFields { WidthAndExponent, All };
+
+/// Whether a and b agree in the given fields. The operations report a
+/// mismatch and then carry on with the raw words.
+inline bool formatsMatch(const fixed& a, const fixed& b, FormatFields fields = FormatFields::All)
+{
+    // Differences ORed rather than tested in turn: one branch on the hot paths.
+    const uint32_t widthAndExponent = asUnsigned(a.bits ^ b.bits) | asUnsigned(a.exp ^ b.exp);
+    const uint32_t signedness = fields == FormatFields::All ? asUnsigned(a.sign ^ b.sign) : 0u;
+    return (widthAndExponent | signedness) == 0u;
+}
+
 /// True when any flag is invalid or the width exceeds a record: the calls
 /// that have something to report.
 inline bool hasArgumentToReport(int sign, int round, int wrap, int bits)
@@ -73,6 +88,12 @@ Quantised fixedformatWithFlag(fixed x, int intbits, int fracbits, int sign, int 
 
 /// 2^exp x mantissa.
 double fixed2double(fixed f);
+/// The mantissa alone as a double, read in place: what fixed2double scales,
+/// for callers that need M itself (the class's raw 64-bit pattern).
+inline double mantissa2double(const fixed& f)
+{
+    return fix2float(f.val, f.bits, f.sign);
+}
 /// f with exp moved by n: the value times 2^n, mantissa words unchanged.
 fixed fixedshift(fixed f, int n);
 /// x re-quantised into intbits integer and fracbits fractional bits; the

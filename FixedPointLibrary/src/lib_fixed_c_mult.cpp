@@ -8,8 +8,10 @@ namespace Fixed {
 
 fixed fixedmult(fixed a, fixed b)
 {
-    fixed result = blankRecord(wrappingAdd(a.bits, b.bits), wrappingAdd(a.exp, b.exp),
-                               (a.sign != 0 || b.sign != 0) ? 1 : 0);
+    // The sign fields are ORed as they stand: 0 and 1 give the usual
+    // signedness, and a field outside them is carried into the product's.
+    fixed result =
+        blankRecord(wrappingAdd(a.bits, b.bits), wrappingAdd(a.exp, b.exp), a.sign | b.sign);
     if (result.bits > maxBits) {
         FIXED_REPORT(signature::fixedmult, message::fixedmultWidth);
         // Five words cannot hold the product: the record reads as zero rather

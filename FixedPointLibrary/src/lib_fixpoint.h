@@ -256,8 +256,17 @@ int fixneg(int32_t* out, const int32_t* x, int n);
 void fixnot(int32_t* out, const int32_t* x, int width);
 /// out = x AND y over n words.
 void fixand(int32_t* out, const int32_t* x, const int32_t* y, int n);
-/// 1 when all n word pairs are equal (1 for n < 1).
-int fixeq(const int32_t* x, const int32_t* y, int n);
+/// 1 when all n word pairs are equal (1 for n < 1); stops at the first
+/// unequal pair. Inline: fixedeq's whole work, where a call would cost as
+/// much as the comparison.
+inline int fixeq(const int32_t* x, const int32_t* y, int n)
+{
+    for (int i = 0; i < n; ++i) {
+        if (x[i] != y[i])
+            return 0;
+    }
+    return 1;
+}
 /// 1 when some word pair differs (0 for n < 1).
 int fixne(const int32_t* x, const int32_t* y, int n);
 /// Number of set bits in n words (0 for n < 1).

@@ -67,15 +67,6 @@ void fixand(int32_t* out, const int32_t* x, const int32_t* y, int n)
         out[i] = asWord(asUnsigned(x[i]) & asUnsigned(y[i]));
 }
 
-int fixeq(const int32_t* x, const int32_t* y, int n)
-{
-    for (int i = 0; i < n; ++i) {
-        if (x[i] != y[i])
-            return 0;
-    }
-    return 1;
-}
-
 int fixne(const int32_t* x, const int32_t* y, int n)
 {
     return n < 1 ? 0 : 1 - fixeq(x, y, n);
