@@ -10,6 +10,7 @@
 
 #include "exact_model.h"
 #include "lib_fixpoint.h"
+#include "text_reference.h"
 
 namespace {
 
@@ -52,46 +53,6 @@ TEST(TextRendering, StepSpreadsTheCharactersAndWidthsBelowOneGiveAtMostOneDigit)
     }
 }
 
-// ---- Independent renderer --------------------------------------------------
-
-// The n bits of x as ceil(n / k) digits, most significant first.
-std::string digitsOf(const mpz_class& x, int n, int k, bool lower)
-{
-    const char* const alphabet = lower ? "0123456789abcdef" : "0123456789ABCDEF";
-    const mpz_class mask = (mpz_class(1) << k) - 1;
-    std::string text;
-    for (int d = (n + k - 1) / k - 1; d >= 0; --d) {
-        const mpz_class digit = (x >> (d * k)) & mask;
-        text += alphabet[digit.get_ui()];
-    }
-    return text;
-}
-
-// The digits with a pad of zero bits below, grouping from the top.
-std::string groupedDigits(const mpz_class& x, int n, int k, bool fromTop, bool lower)
-{
-    const int pad = fromTop ? (k - n % k) % k : 0;
-    return digitsOf(x << pad, n + pad, k, lower);
-}
-
-std::string referenceWhole(const mpz_class& m, int bits, int exp, int k, int align, bool lower)
-{
-    return groupedDigits(m, bits, k, align != 2, lower) + (exp != 0 ? "*2^" + std::to_string(exp) : "");
-}
-
-std::string referencePositional(const mpz_class& m, int bits, int exp, int k, int align, bool lower)
-{
-    const bool positional = exp <= 0 && -static_cast<int64_t>(exp) < bits;
-    const int fractionBits = positional ? -exp : bits - 1;
-    const mpz_class integer = m >> fractionBits;
-    std::string text = groupedDigits(integer, bits - fractionBits, k, align == 1, lower);
-    if (fractionBits > 0)
-        text += "." + groupedDigits(m - (integer << fractionBits), fractionBits, k, align != 2, lower);
-    if (!positional)
-        text += "*2^" + std::to_string(static_cast<int64_t>(exp) + bits - 1);
-    return text;
-}
-
 int randomExponent(std::mt19937_64& random)
 {
     const int extremes[] = {INT_MIN, INT_MIN + 1, INT_MAX, INT_MAX - 159, -1000, 1000, -999, 999,
@@ -120,8 +81,9 @@ TEST(TextRenderingModel, MatchesTheDigitsOfTheIntegerWithGuardedWrites)
         if (pad > 0)  // pad bits are not part of the mantissa
             words[0] |= static_cast<int32_t>(random() & ((1u << pad) - 1u));
         const bool whole = c % 2 == 0;
-        const std::string expected = whole ? referenceWhole(m, bits, exp, k, align, lower != 0)
-                                           : referencePositional(m, bits, exp, k, align, lower != 0);
+        const std::string binary = reference::binaryDigits(m, bits);
+        const std::string expected = whole ? reference::wholeText(binary, exp, k, align, lower != 0)
+                                           : reference::positionalText(binary, exp, k, align, lower != 0);
         const Rendered r = render(whole ? Fixed::fix2str1 : Fixed::fix2str2, words.data(), bits, exp, k,
                                   align, lower);
         if (r.text != expected || r.queried != static_cast<int>(expected.size()) ||
