@@ -5,6 +5,7 @@
 
 #include <climits>
 #include <cstring>
+#include <functional>
 
 #include "FixedPoint.h"
 #include "exact_model.h"
@@ -50,11 +51,77 @@ TEST_F(Decisions, WordRoutinesWithoutAMantissaTouchNothing)
             EXPECT_TRUE(dst.guardsIntact());
         }
     }
+    // The kernels, given arguments that imply more than 160 source or
+    // result bits (or none), and the 64-bit path outside 1..64 bits.
+    const int32_t* top = source + 4;
+    uint32_t saturated = 7;
+    const std::function<uint32_t(int32_t*)> calls[] = {
+        [&](int32_t* dst) { Fixed::fixwiden(top, dst, 150, 20, 1); return 0u; },
+        [&](int32_t* dst) { Fixed::fixwiden(top, dst, 0, 8, 1); return 0u; },
+        [&](int32_t* dst) { Fixed::fixwidenround(top, dst, 200, 0, 1, 1); return 0u; },
+        [&](int32_t* dst) { return Fixed::fixround(top, dst, 170, 1, 1, 0); },
+        [&](int32_t* dst) { return Fixed::fixnarrow(top, dst, 0, 8, 4, 1, 0); },
+        [&](int32_t* dst) { return Fixed::fixnarrowround(top, dst, 8, 200, 1, 1, 0); },
+        [&](int32_t* dst) { return Fixed::fixformat64(source, dst, 0, 8, 0, 1, 1, 0, saturated) ? 1u : 0u; },
+        [&](int32_t* dst) { return Fixed::fixformat64(source, dst, 8, 0, 0, 1, 1, 0, saturated) ? 1u : 0u; },
+        [&](int32_t* dst) { Fixed::fixnot(dst, source, 0); return 0u; },
+        [&](int32_t* dst) { Fixed::fixnot(dst, source, 161); return 0u; },
+    };
+    for (size_t i = 0; i < sizeof calls / sizeof calls[0]; ++i) {
+        SCOPED_TRACE(i);
+        GuardedWords dst(5, junk);
+        EXPECT_EQ(calls[i](dst.data() + 4), 0u);
+        EXPECT_EQ(model::hexWords(dst.data(), 5), model::hexWords(GuardedWords(5, junk).data(), 5));
+        EXPECT_TRUE(dst.guardsIntact());
+    }
+    EXPECT_EQ(saturated, 7u);
     for (const auto& factors : {std::make_pair(0, 2), std::make_pair(2, 0), std::make_pair(-1, -1)}) {
         GuardedWords out(4, junk);
         Fixed::fixmult(out.data(), source, source, factors.first, factors.second, 4, 1, 1);
         EXPECT_EQ(model::hexWords(out.data(), 4), model::hexWords(GuardedWords(4, junk).data(), 4));
         EXPECT_TRUE(out.guardsIntact());
+    }
+    // Reading: no words differ over no words, and no width outside 1..160
+    // has a value.
+    EXPECT_EQ(Fixed::fixne(source, source + 1, 0), 0);
+    EXPECT_EQ(Fixed::fix2float(source, 161, 1) + Fixed::fix2float(source, 0, 1), 0.0);
+    expectNoReports();
+}
+
+// Every differing field of the format is reported once per call, whichever
+// it is; fixedle reports as fixedgt does.
+TEST_F(Decisions, ComparisonsReportEachFormatMismatchOnce)
+{
+    const Fixed::fixed a{8, 0, 1, {static_cast<int32_t>(0x80000000u), 0, 0, 0, 0}};
+    struct Case { Fixed::fixed b; size_t gtReports, eqReports; };
+    const Case cases[] = {
+        {{9, 0, 1, {static_cast<int32_t>(0x80000000u), 0, 0, 0, 0}}, 1, 1},
+        {{8, 3, 1, {static_cast<int32_t>(0x80000000u), 0, 0, 0, 0}}, 1, 1},
+        {{8, 0, 0, {static_cast<int32_t>(0x80000000u), 0, 0, 0, 0}}, 0, 1},
+        {{9, 3, 0, {static_cast<int32_t>(0x80000000u), 0, 0, 0, 0}}, 1, 1},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(std::to_string(c.b.bits) + "/" + std::to_string(c.b.exp) + "/" + std::to_string(c.b.sign));
+        Fixed::fixedgt(a, c.b);
+        Fixed::fixedle(a, c.b);
+        EXPECT_EQ(recordedReports().size(), 2 * c.gtReports);
+        clearRecordedReports();
+        EXPECT_EQ(Fixed::fixedeq(a, c.b), 1);  // the same words
+        EXPECT_EQ(recordedReports().size(), c.eqReports);
+        clearRecordedReports();
+    }
+}
+
+// Integer bit counts beyond any double's range keep their meaning: every
+// finite value fits a huge count, none fits a hugely negative one.
+TEST_F(Decisions, PreDecimalSufficientForBitCountsBeyondAnyDouble)
+{
+    for (auto sign : {CFixedPoint::SIGN_SIGNED, CFixedPoint::SIGN_UNSIGNED}) {
+        SCOPED_TRACE(sign);
+        EXPECT_TRUE(CFixedPoint::PreDecimalSufficient(1e300, INT_MAX, sign, CFixedPoint::MAXVALUE_2N_MINUS_1));
+        EXPECT_TRUE(CFixedPoint::PreDecimalSufficient(1e300, 2100, sign, CFixedPoint::MAXVALUE_2N));
+        EXPECT_FALSE(CFixedPoint::PreDecimalSufficient(1e-300, INT_MIN, sign, CFixedPoint::MAXVALUE_2N_MINUS_1));
+        EXPECT_FALSE(CFixedPoint::PreDecimalSufficient(1.0, -2100, sign, CFixedPoint::MAXVALUE_2N));
     }
     expectNoReports();
 }

@@ -134,7 +134,9 @@ std::set<double> doublesAroundBounds(int bits)
     const double inf = std::numeric_limits<double>::infinity();
     for (const mpz_class& bound : bounds)
         for (int halves = -8; halves <= 8; ++halves) {
-            const double centre = model::nearestDouble(mpq_class(bound) + mpq_class(halves, 2));
+            mpq_class offset(halves, 2);
+            offset.canonicalize();
+            const double centre = model::nearestDouble(mpq_class(bound) + offset);
             double below = centre, above = centre;
             values.insert(centre);
             for (int step = 0; step < 2; ++step) {

@@ -1,6 +1,6 @@
 // Text rendering in radix 2, 4, 8 and 16: a randomized comparison with a
 // renderer that reads the digits straight off the GMP integer, the spacing of
-// characters and widths below one.
+// characters and widths outside the record.
 #include <gtest/gtest.h>
 
 #include <climits>
@@ -36,7 +36,7 @@ Rendered render(Renderer fn, const int32_t* words, int bits, int exp, int k, int
     return r;
 }
 
-TEST(TextRendering, StepSpreadsTheCharactersAndWidthsBelowOneGiveAtMostOneDigit)
+TEST(TextRendering, StepSpreadsTheCharactersAndWidthsOutsideTheRecordStayInIt)
 {
     const int32_t words[5] = {static_cast<int32_t>(0xFFC00000u), -1, -1, -1, -1};
     std::string buffer(9, '.');
@@ -44,7 +44,9 @@ TEST(TextRendering, StepSpreadsTheCharactersAndWidthsBelowOneGiveAtMostOneDigit)
     EXPECT_EQ(buffer, "..3...F.F");
     struct Case { Renderer fn; int bits, exp; const char* text; };
     const Case cases[] = {{Fixed::fix2str1, 0, -8, "*2^-8"}, {Fixed::fix2str1, -7, 0, ""},
-                          {Fixed::fix2str2, 0, -8, "0*2^-8"}, {Fixed::fix2str2, INT_MIN, 0, "0"}};
+                          {Fixed::fix2str2, 0, -8, "0*2^-8"}, {Fixed::fix2str2, INT_MIN, 0, "0"},
+                          // Above 160 bits the bits beyond the record's words read as zero.
+                          {Fixed::fix2str1, 164, 0, "00000000FFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFFF"}};
     for (const Case& c : cases) {
         SCOPED_TRACE(std::to_string(c.bits) + " " + std::to_string(c.exp));
         const Rendered r = render(c.fn, words, c.bits, c.exp, 4, 0, 0);
