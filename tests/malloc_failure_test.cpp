@@ -1,8 +1,11 @@
 // fixmult when its carry counters cannot be allocated: the product words are
 // left as the caller zeroed them (the product reads as zero), nothing around
 // them is written, and the next call works again. The failure is injected by
-// linking this executable with -Wl,--wrap=malloc: the library's calls to
-// malloc reach the wrapper below, which fails while `failuresToInject` lasts.
+// linking this executable with -Wl,--wrap=malloc,--wrap=calloc: the
+// library's calls reach the wrappers below, which fail while
+// `failuresToInject` lasts. Both are wrapped because the compiler may merge
+// the allocation and the clearing of the counters into calloc (GCC does for
+// 32-bit ARM).
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -14,20 +17,30 @@
 #include "lib_fixpoint.h"
 
 extern "C" void* __real_malloc(std::size_t size);
+extern "C" void* __real_calloc(std::size_t count, std::size_t size);
 
 namespace {
 int failuresToInject = 0;
 int failedAllocations = 0;
+
+bool failThisAllocation()
+{
+    if (failuresToInject == 0)
+        return false;
+    --failuresToInject;
+    ++failedAllocations;
+    return true;
+}
 }  // namespace
 
 extern "C" void* __wrap_malloc(std::size_t size)
 {
-    if (failuresToInject > 0) {
-        --failuresToInject;
-        ++failedAllocations;
-        return nullptr;
-    }
-    return __real_malloc(size);
+    return failThisAllocation() ? nullptr : __real_malloc(size);
+}
+
+extern "C" void* __wrap_calloc(std::size_t count, std::size_t size)
+{
+    return failThisAllocation() ? nullptr : __real_calloc(count, size);
 }
 
 namespace {
