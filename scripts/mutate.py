@@ -216,7 +216,18 @@ def run(cmd, timeout=None, quiet=True):
         raise
 
 
+def remove_test_executables():
+    """Executables are relinked only when an object changes; after restored
+    objects they may still hold the last mutant, so they are never kept
+    across runs."""
+    for test in TESTS:
+        path = os.path.join(BUILD, "tests", test)
+        if os.path.exists(path):
+            os.remove(path)
+
+
 def configure(jobs):
+    remove_test_executables()
     if not os.path.exists(os.path.join(BUILD, "CMakeCache.txt")):
         subprocess.check_call(["cmake", "-S", ROOT, "-B", BUILD, "-DCMAKE_BUILD_TYPE=None",
                                "-DCMAKE_CXX_FLAGS=-O1", "-DFIXEDPOINT_BUILD_TOOLS=OFF"],
@@ -423,6 +434,8 @@ def main():
             print("mutate: interrupted; sources restored, results kept in " + args.results)
             summarize(chosen, results)
             return 130
+        finally:
+            remove_test_executables()
     print("mutate: %.0f s in all" % (time.monotonic() - started))
     summarize(chosen, results)
     return 0
