@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <climits>
+#include <cmath>
 #include <cstring>
 #include <functional>
 
@@ -35,6 +36,16 @@ TEST_F(Decisions, FixedformatOutsideTheRecordWidthsGivesZeroWords)
         EXPECT_EQ(recordedReports().size(), c.reports);
         clearRecordedReports();
     }
+}
+
+// An invalid flag is reported and passed on; at the widest format the
+// conversion still runs (only a width above 160 clears the words).
+TEST_F(Decisions, AnInvalidFlagAtTheWidestFormatStillConverts)
+{
+    const Fixed::fixed built = Fixed::double2fixed(std::ldexp(-1.0, -80), 80, 80, 5, 0, 0);
+    EXPECT_EQ(built.val[4], -1);
+    EXPECT_EQ(Fixed::fixedformat(built, 100, 60, 1, 0, 9).val[4], -1);
+    EXPECT_EQ(recordedReports().size(), 2u);  // the sign, then the wrap flag
 }
 
 // The word routines given a width outside 1..160 or a factor of no words
@@ -75,6 +86,11 @@ TEST_F(Decisions, WordRoutinesWithoutAMantissaTouchNothing)
         EXPECT_TRUE(dst.guardsIntact());
     }
     EXPECT_EQ(saturated, 7u);
+    // A conversion it does take sets the flag either way.
+    int32_t copied = 0;
+    EXPECT_TRUE(Fixed::fixformat64(source, &copied, 8, 8, 0, 1, 0, 0, saturated));
+    EXPECT_EQ(copied, static_cast<int32_t>(0xFF000000u));
+    EXPECT_EQ(saturated, 0u);
     for (const auto& factors : {std::make_pair(0, 2), std::make_pair(2, 0), std::make_pair(-1, -1)}) {
         GuardedWords out(4, junk);
         Fixed::fixmult(out.data(), source, source, factors.first, factors.second, 4, 1, 1);

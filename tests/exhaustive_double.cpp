@@ -1,7 +1,8 @@
 // float2fix and double2fixed on every double k/2^j (|k| < 2^12, j 0 to 12)
 // and its neighbouring doubles, into every width 1 to 16 and every mode; and
 // on the doubles around each saturation bound of the widths where words and
-// double precision end (31-33, 53, 54, 63-65, 160). Expected words from GMP;
+// double precision end (31-33, 53, 54, 63-65, 160), also into the neighbouring
+// widths and into one bit. Expected words from GMP;
 // wrap-around above 53 bits follows the library's documented double steps,
 // worked out exactly with each step rounded as a double.
 #include <gtest/gtest.h>
@@ -151,9 +152,15 @@ TEST(ExhaustiveDouble, DoublesAroundTheSaturationBoundsOfWordAndPrecisionEdges)
 {
     clearRecordedReports();
     int divergent = 0;
-    for (int bits : {31, 32, 33, 53, 54, 63, 64, 65, 160}) {
-        for (double value : doublesAroundBounds(bits)) {
+    const int edges[] = {31, 32, 33, 53, 54, 63, 64, 65, 160};
+    const int count = sizeof edges / sizeof edges[0];
+    for (int e = 0; e < count; ++e) {
+        for (double value : doublesAroundBounds(edges[e])) {
             const mpz_class rounded[2] = {model::roundDouble(value, false), model::roundDouble(value, true)};
+            // Into its own width and the neighbouring ones of the list, so
+            // that each bound is also met just inside and just outside it,
+            // and into one bit, where wide values take the double walk.
+            for (int bits : {edges[e], edges[e > 0 ? e - 1 : e], edges[e + 1 < count ? e + 1 : e], 1})
             for (int mode = 0; mode < 8; ++mode) {
                 const int round = (mode >> 1) & 1, wrap = mode >> 2;
                 const Expected want = expectedFor(rounded[round], bits, mode & 1, wrap);
