@@ -88,7 +88,7 @@ TEST_F(Decisions, WordRoutinesWithoutAMantissaTouchNothing)
     EXPECT_EQ(saturated, 7u);
     // A conversion it does take sets the flag either way.
     int32_t copied = 0;
-    EXPECT_TRUE(Fixed::fixformat64(source, &copied, 8, 8, 0, 1, 0, 0, saturated));
+    EXPECT_TRUE(Fixed::fixformat64(source, &copied, 8, 8, 0, 1, 0, 1, saturated));
     EXPECT_EQ(copied, static_cast<int32_t>(0xFF000000u));
     EXPECT_EQ(saturated, 0u);
     for (const auto& factors : {std::make_pair(0, 2), std::make_pair(2, 0), std::make_pair(-1, -1)}) {
@@ -155,6 +155,10 @@ TEST_F(Decisions, RawWordsWithoutAWidthStayRawAndReadAsZero)
         EXPECT_EQ(x.GetValueAs_uint64_t(), 0u);
         EXPECT_EQ(x.MSB() + x.LSB(), 0u);
     }
+    // Up to 64 bits they are converted, through a double: a 64-bit pattern
+    // beyond 53 significant bits comes out rounded.
+    const Fixed::fix converted = CFixedPoint(0x80000000u, 1u, 64, 0, CFixedPoint::SIGN_UNSIGNED).GetValue();
+    EXPECT_EQ(model::hexWords(converted.val, 2), "80000000 00000000 ");
     expectNoReports();
 }
 
