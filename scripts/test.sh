@@ -5,11 +5,13 @@
 # errors), checks the Qt 6 build and the 32-bit ARM build (under qemu-arm),
 # runs the concurrency test under ThreadSanitizer, the suite under Valgrind
 # memcheck (Release build) and every fuzz target for a short smoke run
-# (FUZZ_SECONDS, default 20 s each; scripts/fuzz.sh runs them longer by hand).
+# (FUZZ_SECONDS, default 20 s each; scripts/fuzz.sh runs them longer by hand),
+# and checks the library's line and branch coverage (scripts/coverage.sh).
+# Every ctest run includes the exhaustive tests (label `exhaustive`).
 # Prints each stage's time at the end.
 set -euo pipefail
 cd "$(dirname "$0")/.."
-scripts/install-deps.sh clang libclang-rt-14-dev valgrind doxygen
+scripts/install-deps.sh clang libclang-rt-14-dev valgrind doxygen gcovr
 jobs=$(nproc)
 
 run_suite() {
@@ -60,6 +62,7 @@ valgrind_stage() {
 stage threads tsan_stage
 stage valgrind valgrind_stage
 stage fuzz scripts/fuzz.sh "${FUZZ_SECONDS:-20}"
+stage coverage scripts/coverage.sh
 
 echo "== stage times"
 printf '%s\n' "${timings[@]}"

@@ -18,19 +18,6 @@ namespace {
 
 using model::sentinel;
 
-// k = source exponent - result exponent. Returns the mantissa and whether a
-// saturation pattern is written: a value below the minimum that rounding
-// lifts onto it still counts, as the range check decides before rounding.
-std::pair<mpz_class, bool> requantise(const mpz_class& m, long k, int bits, bool isSigned, bool nearest, bool wrap)
-{
-    const mpz_class floored = k >= 0 ? mpz_class(m << k) : mpz_class(m >> -k);  // floor, sign-extending
-    const mpz_class rounded = floored + (k < 0 && nearest && mpz_tstbit(m.get_mpz_t(), -k - 1) ? 1 : 0);
-    if (wrap)
-        return {model::wrapInto(rounded, bits, isSigned), false};
-    const mpz_class saturated = model::saturateInto(rounded, bits, isSigned);
-    return {saturated, saturated != rounded || floored < model::minimum(bits, isSigned)};
-}
-
 // Shifts with weight on word boundaries and on several words, both ways.
 int weightedShift(std::mt19937_64& random)
 {
@@ -94,7 +81,7 @@ TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
         model::writeMantissa(weightedPattern(random, sourceBits), sourceBits, x.val);
         if (random() % 4 == 0)
             x.val[0] |= static_cast<int32_t>(~Fixed::highmask[sourceBits % 32] & random());
-        const auto expected = requantise(model::readMantissa(x.val, sourceBits, sign != 0),
+        const auto expected = model::requantise(model::readMantissa(x.val, sourceBits, sign != 0),
                                          static_cast<long>(sourceExp) + fracbits, bits, sign != 0, round != 0, wrap != 0);
         saturations += expected.second ? 1 : 0;
         Fixed::fixed want{bits, -fracbits, sign, {0, 0, 0, 0, 0}};

@@ -10,6 +10,8 @@
 #include <cstdint>
 #include <random>
 #include <string>
+#include <utility>
+#include <vector>
 
 namespace model {
 
@@ -24,6 +26,10 @@ mpz_class readMantissa(const int32_t* words, int bits, bool isSigned);
 /// m modulo 2^bits written left-aligned into wordsFor(bits) words, pad bits
 /// zero; words above are left alone.
 void writeMantissa(const mpz_class& m, int bits, int32_t* words);
+
+/// Every mantissa of a width, indexed by its bit pattern: the pattern read
+/// unsigned or as two's complement.
+std::vector<mpz_class> allMantissas(int bits, bool isSigned);
 
 /// Range of a bits-wide mantissa.
 mpz_class minimum(int bits, bool isSigned);
@@ -45,6 +51,23 @@ bool wrapStepRounds(const mpz_class& m, int bits);
 
 /// m clamped to the format's range.
 mpz_class saturateInto(const mpz_class& m, int bits, bool isSigned);
+
+/// Re-quantisation of m by k places (k = source exponent - result
+/// exponent): shifted, floored or rounded half up, then saturated or reduced
+/// modulo 2^bits. Returns the mantissa and whether a saturation pattern is
+/// written: a value below the minimum that rounding lifts onto it still
+/// counts, as the range check decides before rounding.
+std::pair<mpz_class, bool> requantise(const mpz_class& m, long k, int bits, bool isSigned, bool nearest, bool wrap);
+
+/// The double nearest to v, ties to even (normal magnitudes only): what one
+/// IEEE double operation with exact result v gives.
+double nearestDouble(const mpq_class& v);
+
+/// The wrap-around of an integer-valued double x into bits bits by the
+/// library's double steps, q = floor(0.5 + x 2^-bits) and x - q 2^bits, each
+/// operation rounded as a double would round it. Above 53 bits the result
+/// can leave the residue class of x.
+mpz_class wrapByDoubleSteps(const mpz_class& x, int bits);
 
 /// Hex text of the words, top first, for failure messages.
 std::string hexWords(const int32_t* words, int count);
