@@ -1,21 +1,21 @@
 // Format conversion on mantissa words: the one conversion behind fixformat,
 // fixedformat and the five kernels.
 //
-// Every conversion is the same few steps on left-aligned words, with bit
+// Every conversion is the same few steps on left-aligned bits, with bit
 // positions counted from the top of the source (0 = its top bit) and the
 // destination's top bit sitting at source position -d (d = integer bits
 // gained, negative when integer bits are lost):
 //   1. range check of the lost integer bits (unless wrapping around), which
 //      may end the conversion with a saturation pattern;
-//   2. shifted copy: destination word j is the 32 source bits from position
-//      32 j - d, sign extension above the source's top and zeros below its
-//      last bit, the lowest word cut to the destination's width;
+//   2. shifted copy: the source moved down by d bits, sign extension above
+//      its top and zeros below its last bit, cut to the destination's width;
 //   3. rounding: one unit in the last place when the most significant dropped
 //      bit is set, carried upward, with an overflow test after the carry.
-// The source is first read once into a window framed by zero words below
-// and extension words above, so that whole words move with two loads and two
-// shifts each, without a bound per read. Formats of up to 64 bits take the
-// same steps on one 64-bit integer. The kernels differ only in what they are told about the
+// Formats of up to 64 bits take these steps on one 64-bit integer, wider
+// ones on three 64-bit limbs held in registers: the source is read once,
+// each result limb is one funnel shift of two source limbs, and the limb
+// holding the last place is fixed per width range, so masks and rounding
+// need no search. The kernels differ only in what they are told about the
 // source, so each states how many source bits it may read.
 // Nothing here allocates or touches floating point; no source word outside
 // the bits a caller vouches for is read and no destination word outside the
@@ -28,14 +28,12 @@ namespace Fixed {
 namespace {
 
 // Above 64 bits the conversion runs on three 64-bit limbs, a window of 192
-// bits left-aligned like the words (hi holds the top bits). Positions in it
-// are counted from the top, 0 = the top bit. 160 bits leave the lowest 32
-// bits of every window zero, room for the rounding bit below a 160-bit
-// result.
+// bits left-aligned like the words: limb 0 holds the top bits. Positions
+// in it are counted from the top, 0 = the top bit. 160 bits leave the
+// lowest 32 bits of every window zero, room for the rounding bit below a
+// 160-bit result.
 struct Limbs {
-    uint64_t hi;
-    uint64_t mid;
-    uint64_t lo;
+    uint64_t limb[3];
 };
 
 // The n highest bits of a limb: none for n <= 0, all for n >= 64.
@@ -44,24 +42,17 @@ constexpr uint64_t highBits(int n)
     return n <= 0 ? 0u : (n >= 64 ? ~uint64_t{0} : ~uint64_t{0} << (64 - n));
 }
 
-// The bit at position n of a limb (0 = its top bit), or none outside 0..63.
-constexpr uint64_t bitAtTop(int n)
+// Whether the top `count` bits of a window all repeat `extension` (bits
+// below the window read as zero).
+bool topBitsRepeat(const Limbs& v, uint64_t extension, int count)
 {
-    return n < 0 || n >= 64 ? 0u : uint64_t{0x8000000000000000u} >> n;
+    const uint64_t differing = ((v.limb[0] ^ extension) & highBits(count)) |
+                               ((v.limb[1] ^ extension) & highBits(count - 64)) |
+                               ((v.limb[2] ^ extension) & highBits(count - 128));
+    // A window holds at most 160 source bits, so a count reaching below them
+    // meets zeros, which differ from a negative value's extension.
+    return differing == 0u;
 }
-
-// The n highest bits of a window, as a mask.
-constexpr Limbs topBitsMask(int n) { return {highBits(n), highBits(n - 64), highBits(n - 128)}; }
-
-// The bit at position n of a window, as a mask (none outside 0..191).
-constexpr Limbs bitMask(int n) { return {bitAtTop(n), bitAtTop(n - 64), bitAtTop(n - 128)}; }
-
-constexpr Limbs operator&(const Limbs& a, const Limbs& b)
-{
-    return {a.hi & b.hi, a.mid & b.mid, a.lo & b.lo};
-}
-
-constexpr bool isZero(const Limbs& a) { return (a.hi | a.mid | a.lo) == 0u; }
 
 constexpr uint64_t joined(uint32_t high, uint32_t low) { return (uint64_t{high} << 32) | low; }
 
@@ -73,54 +64,39 @@ Limbs readSource(const int32_t* low, int bits)
     const uint32_t lowest = asUnsigned(low[0]) & highmask[bits % 32];
     switch (wordsInUse(bits)) {
     case 1:
-        return {uint64_t{lowest} << 32, 0u, 0u};
+        return {{uint64_t{lowest} << 32, 0u, 0u}};
     case 2:
-        return {joined(asUnsigned(low[1]), lowest), 0u, 0u};
+        return {{joined(asUnsigned(low[1]), lowest), 0u, 0u}};
     case 3:
-        return {joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32, 0u};
+        return {{joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32, 0u}};
     case 4:
-        return {joined(asUnsigned(low[3]), asUnsigned(low[2])), joined(asUnsigned(low[1]), lowest),
-                0u};
+        return {{joined(asUnsigned(low[3]), asUnsigned(low[2])),
+                 joined(asUnsigned(low[1]), lowest), 0u}};
     default:
-        return {joined(asUnsigned(low[4]), asUnsigned(low[3])),
-                joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32};
+        return {{joined(asUnsigned(low[4]), asUnsigned(low[3])),
+                 joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32}};
     }
 }
 
-// ORs the window's top words into the words of a width (1..160), lowest
-// word first; the window holds nothing below the width.
-void orIntoWords(int32_t* low, int bits, const Limbs& v)
+// Stores the window's top words into the cleared words of a width (1..160),
+// lowest word first, ORing like every quantiser of the core; the window
+// holds nothing below the width.
+void storeWords(int32_t* low, int bits, const Limbs& v)
 {
     const auto orInto = [](int32_t& word, uint64_t bitsToSet) {
         word = asWord(asUnsigned(word) | static_cast<uint32_t>(bitsToSet));
     };
-    switch (wordsInUse(bits)) {
-    case 1:
-        orInto(low[0], v.hi >> 32);
-        break;
-    case 2:
-        orInto(low[1], v.hi >> 32);
-        orInto(low[0], v.hi);
-        break;
-    case 3:
-        orInto(low[2], v.hi >> 32);
-        orInto(low[1], v.hi);
-        orInto(low[0], v.mid >> 32);
-        break;
-    case 4:
-        orInto(low[3], v.hi >> 32);
-        orInto(low[2], v.hi);
-        orInto(low[1], v.mid >> 32);
-        orInto(low[0], v.mid);
-        break;
-    default:
-        orInto(low[4], v.hi >> 32);
-        orInto(low[3], v.hi);
-        orInto(low[2], v.mid >> 32);
-        orInto(low[1], v.mid);
-        orInto(low[0], v.lo >> 32);
-        break;
-    }
+    const int words = wordsInUse(bits);
+    int32_t* const top = low + words - 1;
+    orInto(top[0], v.limb[0] >> 32);
+    if (words >= 2)
+        orInto(top[-1], v.limb[0]);
+    if (words >= 3)
+        orInto(top[-2], v.limb[1] >> 32);
+    if (words >= 4)
+        orInto(top[-3], v.limb[1]);
+    if (words >= 5)
+        orInto(top[-4], v.limb[2] >> 32);
 }
 
 // The 64 bits that start `r` (0..63) bits above the top of `x`, `above` the
@@ -130,49 +106,74 @@ constexpr uint64_t funnel(uint64_t above, uint64_t x, int r)
     return (x >> r) | ((above << 1) << (63 - r));
 }
 
-// The window of the source moved down by `gained` bits (up when negative):
-// the source's extension comes in above and zeros below. Shifts by less
-// than 64 bits either way, the common case, work on registers; longer ones
-// pick whole limbs from a row of them.
-Limbs shifted(const Limbs& s, uint64_t extension, int gained)
+// The window moved by 64 bits or more either way. Beyond 192 bits every
+// bit is the extension or zero. Limb i of the row is the
+// window's limb i - 4: the extension above it, zeros below; g = 64 q + r
+// with r in 0..63.
+Limbs shiftedFar(const Limbs& s, uint64_t extension, int gained)
 {
-    if (gained >= -64 && gained < 64) {
-        const bool down = gained >= 0;
-        const int r = down ? gained : gained + 64;
-        const uint64_t a = down ? extension : s.hi;
-        const uint64_t b = down ? s.hi : s.mid;
-        const uint64_t c = down ? s.mid : s.lo;
-        const uint64_t d = down ? s.lo : 0u;
-        return {funnel(a, b, r), funnel(b, c, r), funnel(c, d, r)};
-    }
-    // Beyond 192 bits either way every bit is the extension or zero.
     const int g = gained > 192 ? 192 : (gained < -192 ? -192 : gained);
-    // Limb i of the row is the window's limb i - 4 from the top: the
-    // extension above it, zeros below. g = 64 q + r with r in 0..63.
-    const uint64_t row[10] = {extension, extension, extension, extension, s.hi, s.mid, s.lo, 0u,
-                              0u, 0u};
+    const uint64_t row[10] = {extension, extension,  extension,  extension, s.limb[0],
+                              s.limb[1], s.limb[2], 0u,        0u,        0u};
     const int q = (g + 256) / 64 - 4;
     const int r = (g + 256) % 64;
     const int top = 3 - q;  // the row index of the limb above the result's top limb
-    return {funnel(row[top], row[top + 1], r), funnel(row[top + 1], row[top + 2], r),
-            funnel(row[top + 2], row[top + 3], r)};
+    return {{funnel(row[top], row[top + 1], r), funnel(row[top + 1], row[top + 2], r),
+             funnel(row[top + 2], row[top + 3], r)}};
 }
 
-// Adds a unit in the last place (or nothing: the rounding bit is a coin
-// toss for real values, so no branch) to a window and says whether that
-// overflowed the format: the carry left the top (unsigned) or turned the
-// maximum negative (signed).
-bool addUnit(Limbs& v, const Limbs& unit, int sign)
+// The window of the source moved down by `gained` bits (up when negative):
+// the source's extension comes in above and zeros below. Shifts by less
+// than 64 bits either way, the common case, work on registers.
+inline Limbs shifted(const Limbs& s, uint64_t extension, int gained)
 {
-    v.lo += unit.lo;
-    uint64_t carry = v.lo < unit.lo ? 1u : 0u;
-    const uint64_t intoMid = unit.mid | carry;  // a unit sits in one limb only
-    v.mid += intoMid;
-    carry = v.mid < intoMid ? 1u : 0u;
-    const uint64_t intoHi = unit.hi | carry;
-    const uint64_t before = v.hi;
-    v.hi += intoHi;
-    return sign != 0 ? ((~before & v.hi) >> 63) != 0u : v.hi < intoHi;
+    if (gained < -64 || gained >= 64)
+        return shiftedFar(s, extension, gained);
+    const bool down = gained >= 0;
+    const int r = down ? gained : gained + 64;
+    const uint64_t a = down ? extension : s.limb[0];
+    const uint64_t b = down ? s.limb[0] : s.limb[1];
+    const uint64_t c = down ? s.limb[1] : s.limb[2];
+    const uint64_t d = down ? s.limb[2] : 0u;
+    return {{funnel(a, b, r), funnel(b, c, r), funnel(c, d, r)}};
+}
+
+// Writes a saturation pattern; returns the flag that says so.
+uint32_t saturate(int32_t* dstLow, int dstBits, Bound bound)
+{
+    writeBound(dstLow, dstBits, bound);
+    return 1u;
+}
+
+// The result of `dstBits` bits cut from the moved window, rounded when
+// `mayRound` and the bit below its last place is set, then stored; `last`
+// is the limb holding the last place, so every index here is fixed.
+// Returns 1 when rounding overflowed the format without wrap-around and a
+// saturation pattern was stored instead: the carry left the top (unsigned)
+// or turned the maximum negative (signed).
+template <int last>
+uint32_t roundAndStore(Limbs v, int32_t* dstLow, int dstBits, bool mayRound, int sign, int wrap)
+{
+    const int unitShift = 63 - (dstBits - 1) % 64;  // of the last place in its limb
+    // The bit below the last place, brought one place up so that a last
+    // place at the bottom of its limb finds it at the top of the next.
+    const uint64_t next = last < 2 ? v.limb[last < 2 ? last + 1 : 2] : 0u;
+    const uint64_t belowLastPlace = (((v.limb[last] << 1) | (next >> 63)) >> unitShift) & 1u;
+    v.limb[last] &= ~uint64_t{0} << unitShift;
+    for (int i = last + 1; i < 3; ++i)
+        v.limb[i] = 0u;
+    // No branch on the rounding bit: it is a coin toss for real values.
+    uint64_t carry = (mayRound ? belowLastPlace : 0u) << unitShift;
+    const uint64_t topBefore = v.limb[0];
+    for (int i = last; i >= 0; --i) {
+        v.limb[i] += carry;
+        carry = v.limb[i] < carry ? 1u : 0u;
+    }
+    const bool overflowed = sign != 0 ? ((~topBefore & v.limb[0]) >> 63) != 0u : carry != 0u;
+    if (overflowed && wrap == 0)
+        return saturate(dstLow, dstBits, maximumFor(sign));
+    storeWords(dstLow, dstBits, v);
+    return 0u;
 }
 
 // Whether a width names a mantissa; the width itself, or 0 when not.
@@ -191,33 +192,24 @@ uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int d
     if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
         return 0u;
     const Limbs src = readSource(srcTop - (wordsInUse(srcBits) - 1), srcBits);
-    const uint64_t extension = sign != 0 && (src.hi >> 63) != 0u ? ~uint64_t{0} : 0u;
+    const uint64_t extension = sign != 0 && (src.limb[0] >> 63) != 0u ? ~uint64_t{0} : 0u;
     int32_t* const dstLow = dstTop - (wordsInUse(dstBits) - 1);
     // The lost integer bits, and the new sign bit of a signed result, must
     // all repeat the value's sign (below the source they read as zero).
-    if (gained < 0 && wrap == 0) {
-        const int tested = -gained + (sign != 0 ? 1 : 0);
-        const Limbs differing{src.hi ^ extension, src.mid ^ extension, src.lo ^ extension};
-        if (!isZero(differing & topBitsMask(tested))) {
-            writeBound(dstLow, dstBits,
-                       extension != 0u ? Bound::SignedMinimum : maximumFor(sign));
-            return 1u;
-        }
-    }
+    if (gained < 0 && wrap == 0 && !topBitsRepeat(src, extension, -gained + (sign != 0 ? 1 : 0)))
+        return saturate(dstLow, dstBits, extension != 0u ? Bound::SignedMinimum : maximumFor(sign));
     const Limbs moved = shifted(src, extension, gained);
-    Limbs result = moved & topBitsMask(dstBits);
     // Rounding adds one unit in the last place when the most significant
-    // dropped bit is set.
-    const int keptBits = dstBits - gained;  // source bits at or above the last place
-    const bool roundsUp = round != 0 && srcBits > keptBits && !isZero(moved & bitMask(dstBits));
-    const uint64_t unitMask = roundsUp ? ~uint64_t{0} : 0u;
-    const Limbs unit = bitMask(dstBits - 1) & Limbs{unitMask, unitMask, unitMask};
-    if (addUnit(result, unit, sign) && wrap == 0) {
-        writeBound(dstLow, dstBits, maximumFor(sign));
-        return 1u;
+    // dropped bit is set; only source bits can be dropped.
+    const bool mayRound = round != 0 && srcBits > dstBits - gained;
+    switch ((dstBits - 1) / 64) {
+    case 0:
+        return roundAndStore<0>(moved, dstLow, dstBits, mayRound, sign, wrap);
+    case 1:
+        return roundAndStore<1>(moved, dstLow, dstBits, mayRound, sign, wrap);
+    default:
+        return roundAndStore<2>(moved, dstLow, dstBits, mayRound, sign, wrap);
     }
-    orIntoWords(dstLow, dstBits, result);
-    return 0u;
 }
 
 // The conversion for source and destination widths of at most 64 bits whose
