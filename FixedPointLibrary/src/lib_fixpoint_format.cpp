@@ -61,7 +61,7 @@ constexpr uint64_t joined(uint32_t high, uint32_t low) { return (uint64_t{high} 
 // are read, each once.
 Limbs readSource(const int32_t* low, int bits)
 {
-    const uint32_t lowest = asUnsigned(low[0]) & highmask[bits % 32];
+    const uint32_t lowest = asUnsigned(low[0]) & highmask[static_cast<unsigned>(bits) % 32u];
     switch (wordsInUse(bits)) {
     case 1:
         return {{uint64_t{lowest} << 32, 0u, 0u}};
@@ -78,25 +78,23 @@ Limbs readSource(const int32_t* low, int bits)
     }
 }
 
-// Stores the window's top words into the cleared words of a width (1..160),
-// lowest word first, ORing like every quantiser of the core; the window
-// holds nothing below the width.
-void storeWords(int32_t* low, int bits, const Limbs& v)
+// Stores the window's top words into the cleared words of a width, lowest
+// word first, ORing like every quantiser of the core; `last` is the limb
+// holding the width's last place, so only its lower half may be left out.
+template <int last>
+void storeWords(int32_t* low, int words, const Limbs& v)
 {
     const auto orInto = [](int32_t& word, uint64_t bitsToSet) {
         word = asWord(asUnsigned(word) | static_cast<uint32_t>(bitsToSet));
     };
-    const int words = wordsInUse(bits);
     int32_t* const top = low + words - 1;
-    orInto(top[0], v.limb[0] >> 32);
-    if (words >= 2)
-        orInto(top[-1], v.limb[0]);
-    if (words >= 3)
-        orInto(top[-2], v.limb[1] >> 32);
-    if (words >= 4)
-        orInto(top[-3], v.limb[1]);
-    if (words >= 5)
-        orInto(top[-4], v.limb[2] >> 32);
+    for (int i = 0; i < last; ++i) {
+        orInto(top[-2 * i], v.limb[i] >> 32);
+        orInto(top[-2 * i - 1], v.limb[i]);
+    }
+    orInto(top[-2 * last], v.limb[last] >> 32);
+    if (words == 2 * last + 2)
+        orInto(top[-2 * last - 1], v.limb[last]);
 }
 
 // The 64 bits that start `r` (0..63) bits above the top of `x`, `above` the
@@ -154,7 +152,7 @@ uint32_t saturate(int32_t* dstLow, int dstBits, Bound bound)
 template <int last>
 uint32_t roundAndStore(Limbs v, int32_t* dstLow, int dstBits, bool mayRound, int sign, int wrap)
 {
-    const int unitShift = 63 - (dstBits - 1) % 64;  // of the last place in its limb
+    const int unitShift = 63 - static_cast<int>(static_cast<unsigned>(dstBits - 1) % 64u);  // of the last place in its limb
     // The bit below the last place, brought one place up so that a last
     // place at the bottom of its limb finds it at the top of the next.
     const uint64_t next = last < 2 ? v.limb[last < 2 ? last + 1 : 2] : 0u;
@@ -172,7 +170,7 @@ uint32_t roundAndStore(Limbs v, int32_t* dstLow, int dstBits, bool mayRound, int
     const bool overflowed = sign != 0 ? ((~topBefore & v.limb[0]) >> 63) != 0u : carry != 0u;
     if (overflowed && wrap == 0)
         return saturate(dstLow, dstBits, maximumFor(sign));
-    storeWords(dstLow, dstBits, v);
+    storeWords<last>(dstLow, wordsInUse(dstBits), v);
     return 0u;
 }
 
@@ -182,18 +180,15 @@ int mantissaWidthOrZero(int64_t bits)
     return isMantissaWidth(bits) ? static_cast<int>(bits) : 0;
 }
 
-// The conversion on words: src (srcBits readable bits below srcTop) into the
-// cleared destination of dstBits bits whose top word is dstTop and whose top
-// bit lies `gained` bits above the source's. Returns 1 when it wrote a
-// saturation pattern.
-uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
+// The conversion on limbs: src (srcBits wide, 1..160) into the cleared
+// destination of dstBits (1..160) bits whose top bit lies `gained` bits
+// above the source's, both given by their lowest word. Returns 1 when it
+// wrote a saturation pattern.
+uint32_t convertLimbs(const int32_t* srcLow, int srcBits, int32_t* dstLow, int dstBits, int gained,
                       int sign, int round, int wrap)
 {
-    if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
-        return 0u;
-    const Limbs src = readSource(srcTop - (wordsInUse(srcBits) - 1), srcBits);
+    const Limbs src = readSource(srcLow, srcBits);
     const uint64_t extension = sign != 0 && (src.limb[0] >> 63) != 0u ? ~uint64_t{0} : 0u;
-    int32_t* const dstLow = dstTop - (wordsInUse(dstBits) - 1);
     // The lost integer bits, and the new sign bit of a signed result, must
     // all repeat the value's sign (below the source they read as zero).
     if (gained < 0 && wrap == 0 && !topBitsRepeat(src, extension, -gained + (sign != 0 ? 1 : 0)))
@@ -202,7 +197,7 @@ uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int d
     // Rounding adds one unit in the last place when the most significant
     // dropped bit is set; only source bits can be dropped.
     const bool mayRound = round != 0 && srcBits > dstBits - gained;
-    switch ((dstBits - 1) / 64) {
+    switch (static_cast<unsigned>(dstBits - 1) / 64u) {
     case 0:
         return roundAndStore<0>(moved, dstLow, dstBits, mayRound, sign, wrap);
     case 1:
@@ -210,6 +205,18 @@ uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int d
     default:
         return roundAndStore<2>(moved, dstLow, dstBits, mayRound, sign, wrap);
     }
+}
+
+// The conversion for the kernels: the source (srcBits readable bits) and
+// the destination given by their top words; widths outside 1..160 touch
+// nothing.
+uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
+                      int sign, int round, int wrap)
+{
+    if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
+        return 0u;
+    return convertLimbs(srcTop - (wordsInUse(srcBits) - 1), srcBits,
+                        dstTop - (wordsInUse(dstBits) - 1), dstBits, gained, sign, round, wrap);
 }
 
 // The conversion for source and destination widths of at most 64 bits whose
@@ -338,8 +345,7 @@ uint32_t convertFormat(const int32_t* src, int32_t* dst, int srcbits, int dstbit
         return saturated;
     if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
         return 0u;
-    return convertWords(src + wordsInUse(srcbits) - 1, srcbits, dst + wordsInUse(dstbits) - 1,
-                        dstbits, gained, sign, round, wrap);
+    return convertLimbs(src, srcbits, dst, dstbits, gained, sign, round, wrap);
 }
 
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
