@@ -28,12 +28,15 @@ namespace Fixed {
 namespace {
 
 // Above 64 bits the conversion runs on three 64-bit limbs, a window of 192
-// bits left-aligned like the words: limb 0 holds the top bits. Positions
-// in it are counted from the top, 0 = the top bit. 160 bits leave the
-// lowest 32 bits of every window zero, room for the rounding bit below a
-// 160-bit result.
+// bits left-aligned like the words. Positions in it are counted from the
+// top, 0 = the top bit. 160 bits leave the lowest 32 bits of every window
+// zero, room for the rounding bit below a 160-bit result. The limbs are
+// named rather than indexed: an array is copied with vector moves that the
+// processor cannot forward from the scalar stores that filled it.
 struct Limbs {
-    uint64_t limb[3];
+    uint64_t hi;
+    uint64_t mid;
+    uint64_t lo;
 };
 
 // The n highest bits of a limb: none for n <= 0, all for n >= 64.
@@ -46,9 +49,9 @@ constexpr uint64_t highBits(int n)
 // below the window read as zero).
 bool topBitsRepeat(const Limbs& v, uint64_t extension, int count)
 {
-    const uint64_t differing = ((v.limb[0] ^ extension) & highBits(count)) |
-                               ((v.limb[1] ^ extension) & highBits(count - 64)) |
-                               ((v.limb[2] ^ extension) & highBits(count - 128));
+    const uint64_t differing = ((v.hi ^ extension) & highBits(count)) |
+                               ((v.mid ^ extension) & highBits(count - 64)) |
+                               ((v.lo ^ extension) & highBits(count - 128));
     // A window holds at most 160 source bits, so a count reaching below them
     // meets zeros, which differ from a negative value's extension.
     return differing == 0u;
@@ -64,17 +67,17 @@ Limbs readSource(const int32_t* low, int bits)
     const uint32_t lowest = asUnsigned(low[0]) & highmask[static_cast<unsigned>(bits) % 32u];
     switch (wordsInUse(bits)) {
     case 1:
-        return {{uint64_t{lowest} << 32, 0u, 0u}};
+        return {uint64_t{lowest} << 32, 0u, 0u};
     case 2:
-        return {{joined(asUnsigned(low[1]), lowest), 0u, 0u}};
+        return {joined(asUnsigned(low[1]), lowest), 0u, 0u};
     case 3:
-        return {{joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32, 0u}};
+        return {joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32, 0u};
     case 4:
-        return {{joined(asUnsigned(low[3]), asUnsigned(low[2])),
-                 joined(asUnsigned(low[1]), lowest), 0u}};
+        return {joined(asUnsigned(low[3]), asUnsigned(low[2])),
+                 joined(asUnsigned(low[1]), lowest), 0u};
     default:
-        return {{joined(asUnsigned(low[4]), asUnsigned(low[3])),
-                 joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32}};
+        return {joined(asUnsigned(low[4]), asUnsigned(low[3])),
+                 joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32};
     }
 }
 
@@ -88,13 +91,14 @@ void storeWords(int32_t* low, int words, const Limbs& v)
         word = asWord(asUnsigned(word) | static_cast<uint32_t>(bitsToSet));
     };
     int32_t* const top = low + words - 1;
+    const uint64_t limbs[3] = {v.hi, v.mid, v.lo};
     for (int i = 0; i < last; ++i) {
-        orInto(top[-2 * i], v.limb[i] >> 32);
-        orInto(top[-2 * i - 1], v.limb[i]);
+        orInto(top[-2 * i], limbs[i] >> 32);
+        orInto(top[-2 * i - 1], limbs[i]);
     }
-    orInto(top[-2 * last], v.limb[last] >> 32);
+    orInto(top[-2 * last], limbs[last] >> 32);
     if (words == 2 * last + 2)
-        orInto(top[-2 * last - 1], v.limb[last]);
+        orInto(top[-2 * last - 1], limbs[last]);
 }
 
 // The 64 bits that start `r` (0..63) bits above the top of `x`, `above` the
@@ -111,13 +115,13 @@ constexpr uint64_t funnel(uint64_t above, uint64_t x, int r)
 Limbs shiftedFar(const Limbs& s, uint64_t extension, int gained)
 {
     const int g = gained > 192 ? 192 : (gained < -192 ? -192 : gained);
-    const uint64_t row[10] = {extension, extension,  extension,  extension, s.limb[0],
-                              s.limb[1], s.limb[2], 0u,        0u,        0u};
+    const uint64_t row[10] = {extension, extension,  extension,  extension, s.hi,
+                              s.mid, s.lo, 0u,        0u,        0u};
     const int q = (g + 256) / 64 - 4;
     const int r = (g + 256) % 64;
     const int top = 3 - q;  // the row index of the limb above the result's top limb
-    return {{funnel(row[top], row[top + 1], r), funnel(row[top + 1], row[top + 2], r),
-             funnel(row[top + 2], row[top + 3], r)}};
+    return {funnel(row[top], row[top + 1], r), funnel(row[top + 1], row[top + 2], r),
+             funnel(row[top + 2], row[top + 3], r)};
 }
 
 // The window of the source moved down by `gained` bits (up when negative):
@@ -129,11 +133,11 @@ inline Limbs shifted(const Limbs& s, uint64_t extension, int gained)
         return shiftedFar(s, extension, gained);
     const bool down = gained >= 0;
     const int r = down ? gained : gained + 64;
-    const uint64_t a = down ? extension : s.limb[0];
-    const uint64_t b = down ? s.limb[0] : s.limb[1];
-    const uint64_t c = down ? s.limb[1] : s.limb[2];
-    const uint64_t d = down ? s.limb[2] : 0u;
-    return {{funnel(a, b, r), funnel(b, c, r), funnel(c, d, r)}};
+    const uint64_t a = down ? extension : s.hi;
+    const uint64_t b = down ? s.hi : s.mid;
+    const uint64_t c = down ? s.mid : s.lo;
+    const uint64_t d = down ? s.lo : 0u;
+    return {funnel(a, b, r), funnel(b, c, r), funnel(c, d, r)};
 }
 
 // Writes a saturation pattern; returns the flag that says so.
@@ -152,22 +156,29 @@ uint32_t saturate(int32_t* dstLow, int dstBits, Bound bound)
 template <int last>
 uint32_t roundAndStore(Limbs v, int32_t* dstLow, int dstBits, bool mayRound, int sign, int wrap)
 {
-    const int unitShift = 63 - static_cast<int>(static_cast<unsigned>(dstBits - 1) % 64u);  // of the last place in its limb
+    uint64_t& lastLimb = last == 0 ? v.hi : (last == 1 ? v.mid : v.lo);
+    const uint64_t next = last == 0 ? v.mid : (last == 1 ? v.lo : 0u);
+    const int unitShift = 63 - static_cast<int>(static_cast<unsigned>(dstBits - 1) % 64u);
     // The bit below the last place, brought one place up so that a last
     // place at the bottom of its limb finds it at the top of the next.
-    const uint64_t next = last < 2 ? v.limb[last < 2 ? last + 1 : 2] : 0u;
-    const uint64_t belowLastPlace = (((v.limb[last] << 1) | (next >> 63)) >> unitShift) & 1u;
-    v.limb[last] &= ~uint64_t{0} << unitShift;
-    for (int i = last + 1; i < 3; ++i)
-        v.limb[i] = 0u;
+    const uint64_t belowLastPlace = (((lastLimb << 1) | (next >> 63)) >> unitShift) & 1u;
+    lastLimb &= ~uint64_t{0} << unitShift;
+    v.lo = last < 2 ? 0u : v.lo;
+    v.mid = last < 1 ? 0u : v.mid;
     // No branch on the rounding bit: it is a coin toss for real values.
     uint64_t carry = (mayRound ? belowLastPlace : 0u) << unitShift;
-    const uint64_t topBefore = v.limb[0];
-    for (int i = last; i >= 0; --i) {
-        v.limb[i] += carry;
-        carry = v.limb[i] < carry ? 1u : 0u;
+    if (last == 2) {
+        v.lo += carry;
+        carry = v.lo < carry ? 1u : 0u;
     }
-    const bool overflowed = sign != 0 ? ((~topBefore & v.limb[0]) >> 63) != 0u : carry != 0u;
+    if (last >= 1) {
+        v.mid += carry;
+        carry = v.mid < carry ? 1u : 0u;
+    }
+    const uint64_t topBefore = v.hi;
+    v.hi += carry;
+    carry = v.hi < carry ? 1u : 0u;
+    const bool overflowed = sign != 0 ? ((~topBefore & v.hi) >> 63) != 0u : carry != 0u;
     if (overflowed && wrap == 0)
         return saturate(dstLow, dstBits, maximumFor(sign));
     storeWords<last>(dstLow, wordsInUse(dstBits), v);
@@ -188,7 +199,7 @@ uint32_t convertLimbs(const int32_t* srcLow, int srcBits, int32_t* dstLow, int d
                       int sign, int round, int wrap)
 {
     const Limbs src = readSource(srcLow, srcBits);
-    const uint64_t extension = sign != 0 && (src.limb[0] >> 63) != 0u ? ~uint64_t{0} : 0u;
+    const uint64_t extension = sign != 0 && (src.hi >> 63) != 0u ? ~uint64_t{0} : 0u;
     // The lost integer bits, and the new sign bit of a signed result, must
     // all repeat the value's sign (below the source they read as zero).
     if (gained < 0 && wrap == 0 && !topBitsRepeat(src, extension, -gained + (sign != 0 ? 1 : 0)))
