@@ -73,11 +73,11 @@ Limbs readSource(const int32_t* low, int bits)
     case 3:
         return {joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32, 0u};
     case 4:
-        return {joined(asUnsigned(low[3]), asUnsigned(low[2])),
-                 joined(asUnsigned(low[1]), lowest), 0u};
+        return {joined(asUnsigned(low[3]), asUnsigned(low[2])), joined(asUnsigned(low[1]), lowest),
+                0u};
     default:
         return {joined(asUnsigned(low[4]), asUnsigned(low[3])),
-                 joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32};
+                joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32};
     }
 }
 
@@ -108,20 +108,19 @@ constexpr uint64_t funnel(uint64_t above, uint64_t x, int r)
     return (x >> r) | ((above << 1) << (63 - r));
 }
 
-// The window moved by 64 bits or more either way. Beyond 192 bits every
-// bit is the extension or zero. Limb i of the row is the
-// window's limb i - 4: the extension above it, zeros below; g = 64 q + r
-// with r in 0..63.
+// The window moved by 64 bits or more either way; beyond 192 bits every bit
+// is the extension or zero. Limb i of the row is the window's limb i - 4
+// (0 = hi): the extension above it, zeros below; g = 64 q + r, r in 0..63.
 Limbs shiftedFar(const Limbs& s, uint64_t extension, int gained)
 {
     const int g = gained > 192 ? 192 : (gained < -192 ? -192 : gained);
-    const uint64_t row[10] = {extension, extension,  extension,  extension, s.hi,
-                              s.mid, s.lo, 0u,        0u,        0u};
+    const uint64_t row[10] = {extension, extension, extension, extension, s.hi,
+                              s.mid,     s.lo,      0u,        0u,        0u};
     const int q = (g + 256) / 64 - 4;
     const int r = (g + 256) % 64;
     const int top = 3 - q;  // the row index of the limb above the result's top limb
     return {funnel(row[top], row[top + 1], r), funnel(row[top + 1], row[top + 2], r),
-             funnel(row[top + 2], row[top + 3], r)};
+            funnel(row[top + 2], row[top + 3], r)};
 }
 
 // The window of the source moved down by `gained` bits (up when negative):
