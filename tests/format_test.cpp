@@ -105,6 +105,55 @@ TEST(FormatModel, FixedformatAndFixformatMatchTheExactModel)
     EXPECT_TRUE(recordedReports().empty());
 }
 
+// Widths and shifts on either side of the 64-bit limbs wide formats are
+// worked on (the limb holding the last place, the rounding bit at the top of
+// the next limb, whole-limb moves and the far moves beyond the window), each
+// with the patterns whose rounding carries run through every limb or whose
+// range check sits on its edge.
+TEST(FormatModel, LimbBoundariesMatchTheExactModel)
+{
+    const int widths[] = {63, 64, 65, 127, 128, 129, 159, 160};
+    const int gains[] = {-193, -129, -128, -65, -64, -63, -1, 0, 1, 63, 64, 65, 127, 128, 191, 192, 193};
+    clearRecordedReports();
+    for (int sourceBits : widths) {
+        const mpz_class one = 1;
+        const mpz_class patterns[] = {
+            0,
+            (one << sourceBits) - 1,                     // all ones: -1 signed
+            one << (sourceBits - 1),                     // signed minimum
+            (one << (sourceBits - 1)) - 1,               // signed maximum: carries through all
+            (one << (sourceBits - 1)) - (one << (sourceBits / 2)),  // maximum's top half
+            (one << sourceBits) - (one << (sourceBits - 1)) + 1,    // just above the minimum
+        };
+        for (int bits : widths)
+            for (int gained : gains)
+                for (const mpz_class& pattern : patterns)
+                    for (int flags = 0; flags < 8; ++flags) {
+                        const int sign = flags & 1, round = (flags >> 1) & 1, wrap = flags >> 2;
+                        const int sourceExp = -sourceBits / 2;
+                        const int intbits = sourceBits + sourceExp + gained, fracbits = bits - intbits;
+                        Fixed::fixed x{sourceBits, sourceExp, sign, {0, 0, 0, 0, 0}};
+                        model::writeMantissa(pattern, sourceBits, x.val);
+                        const auto expected =
+                            model::requantise(model::readMantissa(x.val, sourceBits, sign != 0),
+                                       static_cast<long>(sourceExp) + fracbits, bits, sign != 0, round != 0, wrap != 0);
+                        Fixed::fixed want{bits, -fracbits, sign, {0, 0, 0, 0, 0}};
+                        model::writeMantissa(expected.first, bits, want.val);
+                        const Fixed::Quantised got = Fixed::fixedformatWithFlag(x, intbits, fracbits, sign, round, wrap);
+                        if (model::hexWords(got.value.val, 5) != model::hexWords(want.val, 5) ||
+                            got.saturated != (expected.second ? 1 : 0)) {
+                            ADD_FAILURE() << sourceBits << " bits " << model::hexWords(x.val, 5) << " gaining "
+                                          << gained << " into " << bits << " bits s" << sign << " r" << round
+                                          << " w" << wrap << "\n  model  " << model::hexWords(want.val, 5) << " saturated "
+                                          << expected.second << "\n  result " << model::hexWords(got.value.val, 5)
+                                          << " saturated " << got.saturated;
+                            return;
+                        }
+                    }
+    }
+    EXPECT_TRUE(recordedReports().empty());
+}
+
 TEST(FixFormat, ExponentsBecomeTheShift)
 {
     constexpr int most = 2147483647, least = -2147483647 - 1;

@@ -1,21 +1,21 @@
 // Format conversion on mantissa words: the one conversion behind fixformat,
 // fixedformat and the five kernels.
 //
-// Every conversion is the same few steps on left-aligned words, with bit
+// Every conversion is the same few steps on left-aligned bits, with bit
 // positions counted from the top of the source (0 = its top bit) and the
 // destination's top bit sitting at source position -d (d = integer bits
 // gained, negative when integer bits are lost):
 //   1. range check of the lost integer bits (unless wrapping around), which
 //      may end the conversion with a saturation pattern;
-//   2. shifted copy: destination word j is the 32 source bits from position
-//      32 j - d, sign extension above the source's top and zeros below its
-//      last bit, the lowest word cut to the destination's width;
+//   2. shifted copy: the source moved down by d bits, sign extension above
+//      its top and zeros below its last bit, cut to the destination's width;
 //   3. rounding: one unit in the last place when the most significant dropped
 //      bit is set, carried upward, with an overflow test after the carry.
-// The source is first read once into a window framed by zero words below
-// and extension words above, so that whole words move with two loads and two
-// shifts each, without a bound per read. Formats of up to 64 bits take the
-// same steps on one 64-bit integer. The kernels differ only in what they are told about the
+// Formats of up to 64 bits take these steps on one 64-bit integer, wider
+// ones on three 64-bit limbs held in registers: the source is read once,
+// each result limb is one funnel shift of two source limbs, and the limb
+// holding the last place is fixed per width range, so masks and rounding
+// need no search. The kernels differ only in what they are told about the
 // source, so each states how many source bits it may read.
 // Nothing here allocates or touches floating point; no source word outside
 // the bits a caller vouches for is read and no destination word outside the
@@ -27,118 +27,161 @@
 namespace Fixed {
 namespace {
 
-// The source mantissa, lowest word first, between the words that stand for
-// everything around it: zeros below its last bit and, above its top, the
-// extension (all ones for a negative signed source, else zero). Six words
-// on either side cover every read of a destination of up to five words
-// plus the word below it, so once a read's start is clamped into the window
-// no read needs a bound of its own. The lowest source word is cut to its
-// mantissa bits, so pad bits never take part.
-class SourceWindow {
-public:
-    static constexpr int margin = maxWords + 1;
-
-    // bits must lie in 1..160.
-    SourceWindow(const int32_t* low, int bits, int words, int sign)
-        : m_words(words),
-          m_extension(sign != 0 && (asUnsigned(low[words - 1]) & 0x80000000u) != 0u ? 0xFFFFFFFFu
-                                                                                    : 0u)
-    {
-        for (int i = 0; i < margin; ++i)
-            m_window[i] = 0u;
-        // The lowest word on its own, cut to its mantissa bits; the others
-        // then start at a record's second word (so that a wide load of them
-        // stays within one of the 16-byte stores a by-value record is
-        // usually copied with, and can be forwarded).
-        m_window[margin] = asUnsigned(low[0]) & highmask[bits % 32];
-        for (int i = 1; i < words; ++i)
-            m_window[margin + i] = asUnsigned(low[i]);
-        for (int i = 0; i < margin; ++i)
-            m_window[margin + words + i] = m_extension;
-    }
-
-    bool isNegative() const { return m_extension != 0u; }
-
-    // Index in the window of the word holding bit `position` (counted from
-    // the source's top, 0 = its top bit), and the position's offset from
-    // that word's top bit. Positions stay within a few thousand bits
-    // (shifts are clamped to +-1024), so a bias keeps the division on
-    // non-negative numbers.
-    int indexOf(int position) const
-    {
-        return margin + m_words - 1 - (static_cast<int>(biased(position) / 32u) - bias / 32);
-    }
-    static int offsetOf(int position) { return static_cast<int>(biased(position) % 32u); }
-
-    // A start index for `count` further words downward, clamped into the
-    // window: above it every word is the extension, below it zero.
-    int clampedStart(int index, int count) const
-    {
-        const int highest = margin + m_words + margin - 1;
-        return index > highest ? highest : (index < count ? count : index);
-    }
-
-    uint32_t word(int index) const { return m_window[index]; }
-
-    // The 32 bits from `offset` bits below the top of `high` on, `low` the
-    // word below it: 32-bit shifts only (the 32-bit ARM target has no wider
-    // ones), the second split in two so that an offset of 0 shifts by 32
-    // nowhere.
-    static uint32_t bitsAt(uint32_t high, uint32_t low, int offset)
-    {
-        return (high << offset) | ((low >> 1) >> (31 - offset));
-    }
-
-    bool bitAt(int position) const
-    {
-        const int index = clampedStart(indexOf(position), 0);
-        return (m_window[index] & highbit[offsetOf(position)]) != 0u;
-    }
-
-    // Whether the top `count` bits all repeat the extension. Below the
-    // source every word reads as zero, so the scan stops at the first of them.
-    bool topBitsRepeatExtension(int count) const
-    {
-        const int wholeWords = count / 32;
-        const int top = margin + m_words - 1;
-        const int scanned = wholeWords < m_words + 1 ? wholeWords : m_words + 1;
-        for (int i = 0; i < scanned; ++i) {
-            if (m_window[top - i] != m_extension)
-                return false;
-        }
-        if (wholeWords > m_words)
-            return m_extension == 0u;
-        const int rest = count % 32;
-        return rest == 0 || ((m_window[top - wholeWords] ^ m_extension) & highmask[rest]) == 0u;
-    }
-
-private:
-    static constexpr int bias = 1 << 14;
-    static unsigned biased(int position) { return static_cast<unsigned>(position + bias); }
-
-    int m_words;
-    uint32_t m_extension;
-    uint32_t m_window[margin + maxWords + margin];
+// Above 64 bits the conversion runs on three 64-bit limbs, a window of 192
+// bits left-aligned like the words. Positions in it are counted from the
+// top, 0 = the top bit. 160 bits leave the lowest 32 bits of every window
+// zero, room for the rounding bit below a 160-bit result. The limbs are
+// named rather than indexed: an array is copied with vector moves that the
+// processor cannot forward from the scalar stores that filled it.
+struct Limbs {
+    uint64_t hi;
+    uint64_t mid;
+    uint64_t lo;
 };
 
-// Adds `unit` (zero, or one unit in the last place of the width) to the
-// words of a width, lowest first, carrying through every word without a
-// branch on the data (the rounding bit is a coin toss for real values).
-// Returns true when that overflowed the format: the carry reached the top
-// word and made it 0 (unsigned) or 0x80000000 (signed, the maximum became
-// negative).
-bool addWithCarry(int32_t* words, int nw, uint32_t unit, int sign)
+// The n highest bits of a limb: none for n <= 0, all for n >= 64.
+constexpr uint64_t highBits(int n)
 {
-    uint32_t carry = unit;
-    for (int i = 0; i < nw - 1; ++i) {
-        const uint32_t sum = asUnsigned(words[i]) + carry;
-        words[i] = asWord(sum);
-        carry = sum < carry ? 1u : 0u;
+    return n <= 0 ? 0u : (n >= 64 ? ~uint64_t{0} : ~uint64_t{0} << (64 - n));
+}
+
+// Whether the top `count` bits of a window all repeat `extension` (bits
+// below the window read as zero).
+bool topBitsRepeat(const Limbs& v, uint64_t extension, int count)
+{
+    const uint64_t differing = ((v.hi ^ extension) & highBits(count)) |
+                               ((v.mid ^ extension) & highBits(count - 64)) |
+                               ((v.lo ^ extension) & highBits(count - 128));
+    // A window holds at most 160 source bits, so a count reaching below them
+    // meets zeros, which differ from a negative value's extension.
+    return differing == 0u;
+}
+
+constexpr uint64_t joined(uint32_t high, uint32_t low) { return (uint64_t{high} << 32) | low; }
+
+// The source's words (bits wide, 1..160) in a window, the lowest word cut to
+// its mantissa bits so that pad bits never take part. Only the words in use
+// are read, each once.
+Limbs readSource(const int32_t* low, int bits)
+{
+    const uint32_t lowest = asUnsigned(low[0]) & highmask[static_cast<unsigned>(bits) % 32u];
+    switch (wordsInUse(bits)) {
+    case 1:
+        return {uint64_t{lowest} << 32, 0u, 0u};
+    case 2:
+        return {joined(asUnsigned(low[1]), lowest), 0u, 0u};
+    case 3:
+        return {joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32, 0u};
+    case 4:
+        return {joined(asUnsigned(low[3]), asUnsigned(low[2])), joined(asUnsigned(low[1]), lowest),
+                0u};
+    default:
+        return {joined(asUnsigned(low[4]), asUnsigned(low[3])),
+                joined(asUnsigned(low[2]), asUnsigned(low[1])), uint64_t{lowest} << 32};
     }
-    // The carry into the top word is what reached it.
-    const uint32_t top = asUnsigned(words[nw - 1]) + carry;
-    words[nw - 1] = asWord(top);
-    return carry != 0u && top == (sign != 0 ? 0x80000000u : 0u);
+}
+
+// Stores the window's top words into the cleared words of a width, lowest
+// word first, ORing like every quantiser of the core; `last` is the limb
+// holding the width's last place, so only its lower half may be left out.
+template <int last>
+void storeWords(int32_t* low, int words, const Limbs& v)
+{
+    const auto orInto = [](int32_t& word, uint64_t bitsToSet) {
+        word = asWord(asUnsigned(word) | static_cast<uint32_t>(bitsToSet));
+    };
+    int32_t* const top = low + words - 1;
+    const uint64_t limbs[3] = {v.hi, v.mid, v.lo};
+    for (int i = 0; i < last; ++i) {
+        orInto(top[-2 * i], limbs[i] >> 32);
+        orInto(top[-2 * i - 1], limbs[i]);
+    }
+    orInto(top[-2 * last], limbs[last] >> 32);
+    if (words == 2 * last + 2)
+        orInto(top[-2 * last - 1], limbs[last]);
+}
+
+// The 64 bits that start `r` (0..63) bits above the top of `x`, `above` the
+// limb over it; the second shift is split so that r = 0 shifts by 64 nowhere.
+constexpr uint64_t funnel(uint64_t above, uint64_t x, int r)
+{
+    return (x >> r) | ((above << 1) << (63 - r));
+}
+
+// The window moved by 64 bits or more either way; beyond 192 bits every bit
+// is the extension or zero. Limb i of the row is the window's limb i - 4
+// (0 = hi): the extension above it, zeros below; g = 64 q + r, r in 0..63.
+Limbs shiftedFar(const Limbs& s, uint64_t extension, int gained)
+{
+    const int g = gained > 192 ? 192 : (gained < -192 ? -192 : gained);
+    const uint64_t row[10] = {extension, extension, extension, extension, s.hi,
+                              s.mid,     s.lo,      0u,        0u,        0u};
+    const int q = (g + 256) / 64 - 4;
+    const int r = (g + 256) % 64;
+    const int top = 3 - q;  // the row index of the limb above the result's top limb
+    return {funnel(row[top], row[top + 1], r), funnel(row[top + 1], row[top + 2], r),
+            funnel(row[top + 2], row[top + 3], r)};
+}
+
+// The window of the source moved down by `gained` bits (up when negative):
+// the source's extension comes in above and zeros below. Shifts by less
+// than 64 bits either way, the common case, work on registers.
+inline Limbs shifted(const Limbs& s, uint64_t extension, int gained)
+{
+    if (gained < -64 || gained >= 64)
+        return shiftedFar(s, extension, gained);
+    const bool down = gained >= 0;
+    const int r = down ? gained : gained + 64;
+    const uint64_t a = down ? extension : s.hi;
+    const uint64_t b = down ? s.hi : s.mid;
+    const uint64_t c = down ? s.mid : s.lo;
+    const uint64_t d = down ? s.lo : 0u;
+    return {funnel(a, b, r), funnel(b, c, r), funnel(c, d, r)};
+}
+
+// Writes a saturation pattern; returns the flag that says so.
+uint32_t saturate(int32_t* dstLow, int dstBits, Bound bound)
+{
+    writeBound(dstLow, dstBits, bound);
+    return 1u;
+}
+
+// The result of `dstBits` bits cut from the moved window, rounded when
+// `mayRound` and the bit below its last place is set, then stored; `last`
+// is the limb holding the last place, so every index here is fixed.
+// Returns 1 when rounding overflowed the format without wrap-around and a
+// saturation pattern was stored instead: the carry left the top (unsigned)
+// or turned the maximum negative (signed).
+template <int last>
+uint32_t roundAndStore(Limbs v, int32_t* dstLow, int dstBits, bool mayRound, int sign, int wrap)
+{
+    uint64_t& lastLimb = last == 0 ? v.hi : (last == 1 ? v.mid : v.lo);
+    const uint64_t next = last == 0 ? v.mid : (last == 1 ? v.lo : 0u);
+    const int unitShift = 63 - static_cast<int>(static_cast<unsigned>(dstBits - 1) % 64u);
+    // The bit below the last place, brought one place up so that a last
+    // place at the bottom of its limb finds it at the top of the next.
+    const uint64_t belowLastPlace = (((lastLimb << 1) | (next >> 63)) >> unitShift) & 1u;
+    lastLimb &= ~uint64_t{0} << unitShift;
+    v.lo = last < 2 ? 0u : v.lo;
+    v.mid = last < 1 ? 0u : v.mid;
+    // No branch on the rounding bit: it is a coin toss for real values.
+    uint64_t carry = (mayRound ? belowLastPlace : 0u) << unitShift;
+    if (last == 2) {
+        v.lo += carry;
+        carry = v.lo < carry ? 1u : 0u;
+    }
+    if (last >= 1) {
+        v.mid += carry;
+        carry = v.mid < carry ? 1u : 0u;
+    }
+    const uint64_t topBefore = v.hi;
+    v.hi += carry;
+    carry = v.hi < carry ? 1u : 0u;
+    const bool overflowed = sign != 0 ? ((~topBefore & v.hi) >> 63) != 0u : carry != 0u;
+    if (overflowed && wrap == 0)
+        return saturate(dstLow, dstBits, maximumFor(sign));
+    storeWords<last>(dstLow, wordsInUse(dstBits), v);
+    return 0u;
 }
 
 // Whether a width names a mantissa; the width itself, or 0 when not.
@@ -147,52 +190,43 @@ int mantissaWidthOrZero(int64_t bits)
     return isMantissaWidth(bits) ? static_cast<int>(bits) : 0;
 }
 
-// The conversion on words: src (srcBits readable bits below srcTop) into the
-// cleared destination of dstBits bits whose top word is dstTop and whose top
-// bit lies `gained` bits above the source's. Returns 1 when it wrote a
-// saturation pattern. The words are worked on in place: a result gathered
-// elsewhere and copied over would be read back wide right after narrow
-// stores, which the processor cannot forward.
+// The conversion on limbs: src (srcBits wide, 1..160) into the cleared
+// destination of dstBits (1..160) bits whose top bit lies `gained` bits
+// above the source's, both given by their lowest word. Returns 1 when it
+// wrote a saturation pattern.
+uint32_t convertLimbs(const int32_t* srcLow, int srcBits, int32_t* dstLow, int dstBits, int gained,
+                      int sign, int round, int wrap)
+{
+    const Limbs src = readSource(srcLow, srcBits);
+    const uint64_t extension = sign != 0 && (src.hi >> 63) != 0u ? ~uint64_t{0} : 0u;
+    // The lost integer bits, and the new sign bit of a signed result, must
+    // all repeat the value's sign (below the source they read as zero).
+    if (gained < 0 && wrap == 0 && !topBitsRepeat(src, extension, -gained + (sign != 0 ? 1 : 0)))
+        return saturate(dstLow, dstBits, extension != 0u ? Bound::SignedMinimum : maximumFor(sign));
+    const Limbs moved = shifted(src, extension, gained);
+    // Rounding adds one unit in the last place when the most significant
+    // dropped bit is set; only source bits can be dropped.
+    const bool mayRound = round != 0 && srcBits > dstBits - gained;
+    switch (static_cast<unsigned>(dstBits - 1) / 64u) {
+    case 0:
+        return roundAndStore<0>(moved, dstLow, dstBits, mayRound, sign, wrap);
+    case 1:
+        return roundAndStore<1>(moved, dstLow, dstBits, mayRound, sign, wrap);
+    default:
+        return roundAndStore<2>(moved, dstLow, dstBits, mayRound, sign, wrap);
+    }
+}
+
+// The conversion for the kernels: the source (srcBits readable bits) and
+// the destination given by their top words; widths outside 1..160 touch
+// nothing.
 uint32_t convertWords(const int32_t* srcTop, int srcBits, int32_t* dstTop, int dstBits, int gained,
                       int sign, int round, int wrap)
 {
     if (!isMantissaWidth(srcBits) || !isMantissaWidth(dstBits))
         return 0u;
-    const int nws = wordsInUse(srcBits);
-    const int nwt = wordsInUse(dstBits);
-    const SourceWindow src(srcTop - (nws - 1), srcBits, nws, sign);
-    int32_t* const dstLow = dstTop - (nwt - 1);
-    // The lost integer bits, and the new sign bit of a signed result, must
-    // all repeat the value's sign.
-    const int tested = -gained + (sign != 0 ? 1 : 0);
-    if (gained < 0 && wrap == 0 && !src.topBitsRepeatExtension(tested)) {
-        writeBound(dstLow, dstBits, src.isNegative() ? Bound::SignedMinimum : maximumFor(sign));
-        return 1u;
-    }
-    // Destination word j (from the top) is the 32 source bits from position
-    // 32 j - gained on.
-    const int offset = SourceWindow::offsetOf(-gained);
-    const int first = src.clampedStart(src.indexOf(-gained), nwt);
-    uint32_t high = src.word(first);
-    for (int j = 0; j < nwt - 1; ++j) {
-        const uint32_t low = src.word(first - j - 1);
-        dstTop[-j] = asWord(asUnsigned(dstTop[-j]) | SourceWindow::bitsAt(high, low, offset));
-        high = low;
-    }
-    const uint32_t last = SourceWindow::bitsAt(high, src.word(first - nwt), offset);
-    dstLow[0] = asWord(asUnsigned(dstLow[0]) | (last & highmask[dstBits % 32]));
-    // Rounding adds one unit in the last place when the most significant
-    // dropped bit is set.
-    const int keptBits = dstBits - gained;  // source bits at or above the last place
-    if (round == 0 || srcBits <= keptBits)
-        return 0u;
-    const int r = dstBits % 32;
-    const uint32_t unit = src.bitAt(keptBits) ? (r == 0 ? 1u : lowbit[32 - r]) : 0u;
-    if (addWithCarry(dstLow, nwt, unit, sign) && wrap == 0) {
-        writeBound(dstLow, dstBits, maximumFor(sign));
-        return 1u;
-    }
-    return 0u;
+    return convertLimbs(srcTop - (wordsInUse(srcBits) - 1), srcBits,
+                        dstTop - (wordsInUse(dstBits) - 1), dstBits, gained, sign, round, wrap);
 }
 
 // The conversion for source and destination widths of at most 64 bits whose
@@ -321,8 +355,7 @@ uint32_t convertFormat(const int32_t* src, int32_t* dst, int srcbits, int dstbit
         return saturated;
     if (!isMantissaWidth(srcbits) || !isMantissaWidth(dstbits))
         return 0u;
-    return convertWords(src + wordsInUse(srcbits) - 1, srcbits, dst + wordsInUse(dstbits) - 1,
-                        dstbits, gained, sign, round, wrap);
+    return convertLimbs(src, srcbits, dst, dstbits, gained, sign, round, wrap);
 }
 
 uint32_t fixformat(const int32_t* src, int32_t* dst, int srcbits, int dstbits, int srcexp,
