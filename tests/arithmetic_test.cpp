@@ -2,6 +2,7 @@
 // word primitives, against GMP on randomized operands.
 #include <gtest/gtest.h>
 
+#include <new>
 #include <random>
 
 #include "exact_model.h"
@@ -61,8 +62,14 @@ TEST_F(SumModel, AddAndSubtractMatchGmpModuloTheWidth)
 }
 
 // Every pair of widths whose sum fits, in all four signedness combinations.
+// The product is built straight into a record followed by sentinel words, so
+// that a store beyond its five words shows.
 TEST(MultiplicationModel, AllWidthPairsMatchGmp)
 {
+    struct GuardedRecord {
+        Fixed::fixed record;
+        int32_t guard[2];
+    };
     std::mt19937_64 random(0x3417);
     for (int aBits = 1; aBits < Fixed::maxBits; ++aBits) {
         for (int bBits = 1; aBits + bBits <= Fixed::maxBits; ++bBits) {
@@ -71,12 +78,15 @@ TEST(MultiplicationModel, AllWidthPairsMatchGmp)
                 const mpz_class a = model::edgeWeightedMantissa(random, aBits, aSign != 0);
                 const mpz_class b = model::edgeWeightedMantissa(random, bBits, bSign != 0);
                 const Fixed::fixed fa = modelRecord(a, aBits, -2, aSign), fb = modelRecord(b, bBits, 5, bSign);
-                const Fixed::fixed result = Fixed::fixedmult(fa, fb);
+                GuardedRecord frame{{}, {model::sentinel, model::sentinel}};
+                const Fixed::fixed& result = *new (&frame.record) Fixed::fixed(Fixed::fixedmult(fa, fb));
                 const int bits = aBits + bBits;
                 Fixed::fixed want = modelRecord(a * b, bits, 3, aSign | bSign);
                 if (result.bits != bits || result.exp != 3 || result.sign != (aSign | bSign) ||
-                    model::hexWords(result.val, 5) != model::hexWords(want.val, 5)) {
-                    ADD_FAILURE() << describe(fa) << " x " << describe(fb) << " gave " << describe(result);
+                    model::hexWords(result.val, 5) != model::hexWords(want.val, 5) ||
+                    frame.guard[0] != model::sentinel || frame.guard[1] != model::sentinel) {
+                    ADD_FAILURE() << describe(fa) << " x " << describe(fb) << " gave " << describe(result)
+                                  << ", then " << model::hexWords(frame.guard, 2);
                     return;
                 }
             }

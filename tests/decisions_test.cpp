@@ -119,6 +119,26 @@ TEST_F(Decisions, ComparisonsReportEachFormatMismatchOnce)
     }
 }
 
+// fixwidenround has no overflow flag: with no integer bit gained (d = 0) a
+// rounding carry out of the kept bits saturates, as every conversion does
+// unless told to wrap. 8-bit sources, 7 bits kept, the dropped bit set.
+TEST_F(Decisions, FixwidenroundWithoutAGainedBitSaturatesTheCarry)
+{
+    struct Case { uint32_t source; int sign; uint32_t expected; };
+    const Case cases[] = {
+        {0xFF000000u, 0, 0xFE000000u},  // 127.5 units rounds to 128: 127, the unsigned maximum
+        {0x7F000000u, 1, 0x7E000000u},  // 63.5 units rounds to 64: 63, the signed maximum
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.sign);
+        const int32_t source = static_cast<int32_t>(c.source);
+        GuardedWords dst(1);
+        Fixed::fixwidenround(&source, dst.data(), 7, 0, c.sign, 1);
+        EXPECT_EQ(static_cast<uint32_t>(dst.data()[0]), c.expected);
+        EXPECT_TRUE(dst.guardsIntact());
+    }
+}
+
 // Integer bit counts beyond any double's range keep their meaning: every
 // finite value fits a huge count, none fits a hugely negative one.
 TEST_F(Decisions, PreDecimalSufficientForBitCountsBeyondAnyDouble)

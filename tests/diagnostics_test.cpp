@@ -70,7 +70,12 @@ TEST_F(Diagnostics, TextsSignaturesAndOrder)
              const Fixed::fixed f = Fixed::double2fixed(1.0, 100, 61, 1, 0, 0);
              EXPECT_EQ(model::hexWords(f.val, 5) + std::to_string(f.bits) + " " + std::to_string(f.exp),
                        "00000000 00000000 00000000 00000000 00000000 161 -61");
-         }, {{d2f, "C error: Too many bits used (double2fixed)."}}},
+             // A value far beyond any format: still zero words, and no
+             // saturation pattern written, so no saturation flagged.
+             const Fixed::Quantised q = Fixed::double2fixedWithFlag(1e300, 100, 61, 1, 0, 0);
+             EXPECT_EQ(model::hexWords(q.value.val, 5) + std::to_string(q.saturated),
+                       "00000000 00000000 00000000 00000000 00000000 0");
+         }, {{d2f, "C error: Too many bits used (double2fixed)."}, {d2f, "C error: Too many bits used (double2fixed)."}}},
         {"d2f 160 bits", [] { EXPECT_EQ(Fixed::double2fixed(std::ldexp(-1.0, -80), 80, 80, 1, 0, 0).val[4], -1); }, {}},
         {"d2f wrapped width", [] { EXPECT_EQ(Fixed::double2fixed(1.0, INT_MAX, INT_MAX, 5, 0, 0).bits, -2); },
          {{d2f, badD2f + "Vorz)."}}},
@@ -92,7 +97,10 @@ TEST_F(Diagnostics, TextsSignaturesAndOrder)
         {"gt le", [] {
              EXPECT_EQ(Fixed::fixedgt(rec(16, -8, 0, 0x00030000), rec(16, -4, 0, 0x00020000)), 1);
              EXPECT_EQ(Fixed::fixedle(rec(16, -8, 0, 0x00030000), rec(16, -4, 0, 0x00020000)), 0);
+             // Signed mantissas 3 and -2: read as plain words they would order the other way.
+             EXPECT_EQ(Fixed::fixedgt(rec(16, -8, 1, 0x00030000), rec(16, -4, 1, 0xFFFE0000)), 1);
          }, {{"int Fixed::fixedgt(Fixed::fixed, Fixed::fixed)", "C error: fixedpoint numbers with different format can't be compared (fixed/gt/lt/ge/le)."},
+             {"int Fixed::fixedgt(Fixed::fixed, Fixed::fixed)", "C error: fixedpoint numbers with different format can't be compared (fixed/gt/lt/ge/le)."},
              {"int Fixed::fixedgt(Fixed::fixed, Fixed::fixed)", "C error: fixedpoint numbers with different format can't be compared (fixed/gt/lt/ge/le)."}}},
         {"eq", [] { EXPECT_EQ(Fixed::fixedeq(rec(8, 0, 0, 0x80000000), rec(8, 0, 1, 0x80000000)), 1); },
          {{"int Fixed::fixedeq(Fixed::fixed, Fixed::fixed)", "C error: fixedpoint numbers with different format can't be compared (fixedeq)."}}},

@@ -124,6 +124,7 @@ TEST(FormatModel, LimbBoundariesMatchTheExactModel)
             (one << (sourceBits - 1)) - 1,               // signed maximum: carries through all
             (one << (sourceBits - 1)) - (one << (sourceBits / 2)),  // maximum's top half
             (one << sourceBits) - (one << (sourceBits - 1)) + 1,    // just above the minimum
+            (one << sourceBits) >> 64,  // one bit 64 places below the top: fits when 63 integer bits go
         };
         for (int bits : widths)
             for (int gained : gains)
