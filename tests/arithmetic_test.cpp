@@ -128,6 +128,35 @@ TEST(WordMultiplication, WritesOnlyTheProductWordsForEitherBound)
     }
 }
 
+// Factors longer than a record, and carry passes that stop short, sum word
+// products: a full pass leaves the product modulo 2^(32 (nx + ny)), and a
+// pass stopping at nout still leaves out[0..nout] exact, since no count
+// below them is left unfolded.
+TEST(WordMultiplication, LongFactorsAndShortPassesMatchGmp)
+{
+    std::mt19937_64 random(0x5EED);
+    for (int n = 0; n < 3000; ++n) {
+        const int nx = 1 + static_cast<int>(random() % 8);
+        const int ny = 1 + static_cast<int>(random() % 8);
+        const int total = nx + ny;
+        const int nout = random() % 2 != 0 ? total - static_cast<int>(random() % 2)
+                                           : static_cast<int>(random() % total);
+        const bool full = nout >= total - 1;
+        const int isSigned = full ? static_cast<int>(random() % 2) : 0;
+        std::vector<int32_t> x(nx), y(ny), out(total + 1, 0);
+        model::writeMantissa(model::edgeWeightedMantissa(random, 32 * nx, isSigned != 0), 32 * nx, x.data());
+        model::writeMantissa(model::edgeWeightedMantissa(random, 32 * ny, isSigned != 0), 32 * ny, y.data());
+        out[total] = model::sentinel;
+        SCOPED_TRACE(model::hexWords(x.data(), nx) + "x " + model::hexWords(y.data(), ny) + "nout " + std::to_string(nout));
+        Fixed::fixmult(out.data(), x.data(), y.data(), nx, ny, nout, isSigned, isSigned);
+        const mpz_class product = model::readMantissa(x.data(), 32 * nx, isSigned != 0) *
+                                  model::readMantissa(y.data(), 32 * ny, isSigned != 0);
+        const int exactBits = 32 * (full ? total : nout + 1);
+        EXPECT_EQ(model::readMantissa(out.data(), exactBits, false), model::wrapInto(product, exactBits, false));
+        EXPECT_EQ(out[total], model::sentinel);
+    }
+}
+
 TEST(ComparisonModel, MixedSignednessMatchesGmp)
 {
     std::mt19937_64 random(0xC0DE);
