@@ -145,51 +145,65 @@ inline void writeBound(int32_t* words, int bits, Bound bound)
 /// rounded in sequence above. Widths outside 1..160 give 0.0.
 double fix2float(const int32_t* words, int bits, int sign);
 
-/// Below this magnitude (2^51 LSB units) quantising runs on 64-bit integers:
-/// every double step of the rounding, range and split stages is exact there
-/// (the floor, the fraction that decides rounding, a wrap-around that then
-/// keeps exactly the low bits), so the integer steps give the same words.
+/// Below this magnitude (2^51 LSB units) quantising runs on 64-bit integers
+/// whatever the format: every double step of the rounding, range and split
+/// stages is exact there (the floor, the fraction that decides rounding, a
+/// wrap-around that then keeps exactly the low bits), so the integer steps
+/// give the same words.
 constexpr double smallValueLimit = 2251799813685248.0;
 
-/// A value of magnitude below smallValueLimit floored, or rounded to nearest
-/// with halves upward, as an integer.
+/// The magnitude below which a quantisation runs on 64-bit integers: 2^63
+/// LSB units, where a 64-bit integer holds the rounded value and comparing
+/// it with the bounds is as exact as the double steps' comparison, except
+/// under wrap-around within 64 bits. There the double steps' wrap of values
+/// from 2^53 up rounds, and that rounding is part of the result, so integers
+/// take over only below 2^51. (Wider formats wrap nothing below 2^63.)
+constexpr double integerPathLimit(int bits, int wrap)
+{
+    return wrap != 0 && bits <= 64 ? smallValueLimit : 9223372036854775808.0;
+}
+
+/// A value of magnitude below 2^63 floored, or rounded to nearest with
+/// halves upward, as an integer.
 inline int64_t roundSmallValue(double value, int round)
 {
     int64_t x = static_cast<int64_t>(value);  // toward zero, exact in range
     if (static_cast<double>(x) > value)
         --x;
-    // value - floor(value) is exact here; whole + 0.5 is too.
-    if (round != 0 && value >= static_cast<double>(x) + 0.5)
+    // value - floor(value) is exact: the fraction of value. (Comparing value
+    // with floor(value) + 0.5 instead would round that sum from 2^52 up.)
+    if (round != 0 && value - static_cast<double>(x) >= 0.5)
         ++x;
     return x;
 }
 
-/// x (|x| <= 2^51) saturated into the range of a width; `saturated` tells
-/// whether it was outside. Bounds of more than 60 bits decide nothing more.
+/// x (|x| < 2^63) saturated into the range of a width; `saturated` tells
+/// whether it was outside. Bounds from 2^63 up decide nothing more.
 inline int64_t saturateSmallValue(int64_t x, int bits, int sign, int& saturated)
 {
-    const int limitBits = bits < 60 ? bits : 60;
-    const int64_t lowest = sign != 0 ? -(int64_t{1} << (limitBits - 1)) : 0;
+    const int magnitudeBits = sign != 0 ? bits - 1 : bits;
     const int64_t highest =
-        sign != 0 ? (int64_t{1} << (limitBits - 1)) - 1 : (int64_t{1} << limitBits) - 1;
+        magnitudeBits >= 63 ? INT64_MAX : static_cast<int64_t>((uint64_t{1} << magnitudeBits) - 1u);
+    const int64_t lowest = sign != 0 ? -highest - 1 : 0;
     saturated = x < lowest || x > highest ? 1 : 0;
     return x < lowest ? lowest : (x > highest ? highest : x);
 }
 
 /// float2fix for the widths and values its inline part leaves: wider than
-/// 64 bits, magnitudes from 2^51 LSB units, non-finite values.
+/// 64 bits, magnitudes beyond integerPathLimit, non-finite values.
 int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round, int wrap);
 
 /// Quantises value (counted in LSB units) into nw = ceil(bits / 32) words:
 /// floor or nearest (ties up), then saturation or wrap-around. Returns 1 when
 /// a saturation pattern was written. Writes nothing for widths below 1.
 ///
-/// Widths up to 64 bits with small values, the common case, are done here,
-/// inline in the callers; under wrap-around the bits above the width simply
-/// fall off the left-aligned store.
+/// Widths up to 64 bits with values below integerPathLimit, the common case,
+/// are done here, inline in the callers; under wrap-around the bits above the
+/// width simply fall off the left-aligned store.
 inline int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
 {
-    if (bits < 1 || bits > 64 || !(value > -smallValueLimit && value < smallValueLimit))
+    const double limit = integerPathLimit(bits, wrap);
+    if (bits < 1 || bits > 64 || !(value > -limit && value < limit))
         return float2fixGeneral(value, bits, words, sign, round, wrap);
     int saturated = 0;
     int64_t x = roundSmallValue(value, round);

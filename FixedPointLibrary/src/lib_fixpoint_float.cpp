@@ -170,7 +170,8 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
         return 0;
     const int nw = wordsInUse(bits);
     const int pad = 32 * nw - bits;
-    if (value > -smallValueLimit && value < smallValueLimit) {
+    const double limit = integerPathLimit(bits, wrap);
+    if (value > -limit && value < limit) {
         // Wider than 64 bits: the integer steps of the inline part, with the
         // pattern's sign filling the words above its 64 bits.
         int saturated = 0;
