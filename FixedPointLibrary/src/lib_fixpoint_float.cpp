@@ -82,27 +82,40 @@ double wrapIntoRange(double x, int bits)
     return x - q * powerOfTwo(bits);
 }
 
-// Stores m x 2^shift (shift >= 0) in two's complement into nw words, lowest
-// first: the bits below `shift` zero, the bits above m's 64 its sign.
+// Stores m x 2^shift in two's complement into nw (1..5) words, lowest first:
+// the bits below `shift` zero, the bits above m's 64 its sign. The callers'
+// values fit their words, so shift stays below 128 (at most 31 pad bits, or
+// a 53-bit significand's exponent within a 160-bit width). The words are
+// three 64-bit limbs chosen without a branch and stored directly.
 void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
 {
     const uint64_t pattern = static_cast<uint64_t>(m);
-    const uint32_t fill = m < 0 ? 0xFFFFFFFFu : 0u;
-    const int first = static_cast<int>(static_cast<unsigned>(shift) / 32u);
-    const int offset = static_cast<int>(static_cast<unsigned>(shift) % 32u);
-    const uint64_t low = pattern << offset;
-    // The bits pushed out of the top of the 64, sign-extended.
-    const uint64_t spill = offset == 0 ? 0u : pattern >> (64 - offset);
-    const uint32_t parts[3] = {
-        static_cast<uint32_t>(low),
-        static_cast<uint32_t>(low >> 32),
-        offset == 0 ? fill : static_cast<uint32_t>(spill) | (fill << offset),
-    };
-    // Zeros below m, its sign above, then the three words it spans.
-    for (int k = 0; k < nw; ++k)
-        words[k] = asWord(k < first ? 0u : fill);
-    for (int part = 0; part < 3 && first + part < nw; ++part)
-        words[first + part] = asWord(parts[part]);
+    const uint64_t fill = m < 0 ? ~uint64_t{0} : 0u;
+    const int r = static_cast<int>(static_cast<unsigned>(shift) % 64u);
+    const bool upperLimb = (static_cast<unsigned>(shift) & 64u) != 0u;
+    const uint64_t shiftedLow = pattern << r;
+    // m's bits pushed out of the top, sign-extended; the first shift is
+    // split so that r = 0 shifts by 64 nowhere.
+    const uint64_t shiftedHigh = ((pattern >> 1) >> (63 - r)) | (fill << r);
+    const uint64_t lo = upperLimb ? 0u : shiftedLow;
+    const uint64_t mid = upperLimb ? shiftedLow : shiftedHigh;
+    const uint64_t hi = upperLimb ? shiftedHigh : fill;
+    switch (nw) {
+    case 5:
+        words[4] = asWord(static_cast<uint32_t>(hi));
+        [[fallthrough]];
+    case 4:
+        words[3] = asWord(static_cast<uint32_t>(mid >> 32));
+        [[fallthrough]];
+    case 3:
+        words[2] = asWord(static_cast<uint32_t>(mid));
+        [[fallthrough]];
+    case 2:
+        words[1] = asWord(static_cast<uint32_t>(lo >> 32));
+        [[fallthrough]];
+    default:
+        words[0] = asWord(static_cast<uint32_t>(lo));
+    }
 }
 
 // Split stage for a range-checked x, an integer or NaN: x into nw words,
@@ -130,6 +143,41 @@ void splitIntoWords(double x, int32_t* words, int nw, int pad)
         static_cast<int64_t>((bitsOfX & ((uint64_t{1} << 52) - 1u)) | (uint64_t{1} << 52));
     const int exponent = static_cast<int>((bitsOfX >> 52) & 0x7FFu) - 1075;
     writeShiftedInteger(x < 0.0 ? -significand : significand, exponent + pad, words, nw);
+}
+
+// The rounding, range and split stages under saturation for a finite value
+// of magnitude from 2^63 LSB units. (Infinities keep the double steps: the
+// rounding to nearest turns them into NaN, which is reported.) Such a double
+// is already an integer, so rounding leaves it as it is; comparing it with
+// the powers of two that bound the format, and splitting it into m x 2^e,
+// both come down to its IEEE fields, which are read here once instead of
+// being worked out again stage by stage.
+int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int pad)
+{
+    uint64_t ieee;
+    std::memcpy(&ieee, &value, sizeof ieee);
+    const bool negative = (ieee >> 63) != 0u;
+    // |value| lies in [2^exponent, 2^(exponent + 1)).
+    const int exponent = static_cast<int>((ieee >> 52) & 0x7FFu) - 1023;
+    const uint64_t fraction = ieee & ((uint64_t{1} << 52) - 1u);
+    // The magnitude bits of the format's maximum: 2^topBit is the first
+    // value beyond it, and -2^topBit the signed minimum.
+    const int topBit = sign != 0 ? bits - 1 : bits;
+    Bound bound = Bound::Zero;
+    if (negative && sign == 0)
+        bound = Bound::Zero;
+    else if (negative && (exponent > topBit || (exponent == topBit && fraction != 0u)))
+        bound = Bound::SignedMinimum;
+    else if (!negative && exponent >= topBit)
+        bound = maximumFor(sign);
+    else {
+        const int64_t significand = static_cast<int64_t>(fraction | (uint64_t{1} << 52));
+        writeShiftedInteger(negative ? -significand : significand, exponent - 52 + pad, words,
+                            wordsInUse(bits));
+        return 0;
+    }
+    writeBound(words, bits, bound);
+    return 1;
 }
 
 }  // namespace
@@ -181,6 +229,8 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
         writeShiftedInteger(x, pad, words, nw);
         return saturated;
     }
+    if (wrap == 0 && std::isfinite(value))
+        return quantiseLargeSaturated(value, bits, words, sign, pad);
     double x = roundToInteger(value, round);
     Bound bound = Bound::Zero;
     if (wrap != 0) {
