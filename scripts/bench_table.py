@@ -3,7 +3,7 @@
 
 Case names read "operation/implementation/label"; the implementations are
 "ours", "systemc", "native" and "floor". Times are CPU nanoseconds per
-operation. The floors (a do-nothing call with the record layer's by-value
+operation, the fastest of a case's repetitions. The floors (a do-nothing call with the record layer's by-value
 signatures, one heap record allocated and released) come first, in a table
 of their own; then every operation. "SystemC / ours" is how many times
 faster this library is; "ours / native" how many times slower than the
@@ -27,7 +27,8 @@ def main(path):
         if key not in times:
             times[key] = {}
             order.append(key)
-        times[key][implementation] = case["cpu_time"] * scale
+        time = case["cpu_time"] * scale
+        times[key][implementation] = min(time, times[key].get(implementation, time))
 
     def cell(value):
         return "" if value is None else f"{value:.1f}" if value >= 10 else f"{value:.2f}"
