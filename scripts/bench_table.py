@@ -13,6 +13,16 @@ import json
 import sys
 
 
+def widthOrder(label):
+    """Labels sort by the width they start with ("16", "160->96 rounded")."""
+    digits = ""
+    for character in label:
+        if not character.isdigit():
+            break
+        digits += character
+    return (int(digits) if digits else 0, label)
+
+
 def main(path):
     with open(path) as handle:
         report = json.load(handle)
@@ -37,14 +47,14 @@ def main(path):
     if floors:
         print("| floor | ns |")
         print("|---|---:|")
-        for operation, label in floors:
+        for operation, label in sorted(floors):
             print(f"| {operation} | {cell(times[(operation, label)]['floor'])} |")
         print()
 
     print("| operation | width | ours (ns) | SystemC (ns) | native (ns) | SystemC / ours | ours / native |")
     print("|---|---|---:|---:|---:|---:|---:|")
     operations = [key for key in order if key not in floors]
-    for operation, label in sorted(operations, key=lambda k: (k[0], order.index(k))):
+    for operation, label in sorted(operations, key=lambda k: (k[0], widthOrder(k[1]))):
         row = times[(operation, label)]
         ours, systemc, native = row.get("ours"), row.get("systemc"), row.get("native")
         speedup = f"{systemc / ours:.1f}x" if ours and systemc else ""
