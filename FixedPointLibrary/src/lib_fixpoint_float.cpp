@@ -180,6 +180,26 @@ int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int
     return 1;
 }
 
+// The rounding, range and split stages in doubles, as the firmware's data
+// was produced: for wrap-around from 2^51 LSB units within 64 bits (from
+// 2^63 above), and for infinities and NaN. Out of line, so that the common
+// quantisations need not set up its frame.
+[[gnu::noinline]] int quantiseByDoubleSteps(double value, int bits, int32_t* words, int sign,
+                                            int round, int wrap)
+{
+    const int nw = wordsInUse(bits);
+    double x = roundToInteger(value, round);
+    Bound bound = Bound::Zero;
+    if (wrap != 0) {
+        x = wrapIntoRange(x, bits);
+    } else if (isOutOfRange(x, bits, sign, bound)) {
+        writeBound(words, bits, bound);
+        return 1;
+    }
+    splitIntoWords(x, words, nw, 32 * nw - bits);
+    return 0;
+}
+
 }  // namespace
 
 double fix2float(const int32_t* words, int bits, int sign)
@@ -231,16 +251,7 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
     }
     if (wrap == 0 && std::isfinite(value))
         return quantiseLargeSaturated(value, bits, words, sign, pad);
-    double x = roundToInteger(value, round);
-    Bound bound = Bound::Zero;
-    if (wrap != 0) {
-        x = wrapIntoRange(x, bits);
-    } else if (isOutOfRange(x, bits, sign, bound)) {
-        writeBound(words, bits, bound);
-        return 1;
-    }
-    splitIntoWords(x, words, nw, pad);
-    return 0;
+    return quantiseByDoubleSteps(value, bits, words, sign, round, wrap);
 }
 
 }  // namespace Fixed
