@@ -128,6 +128,32 @@ TEST(WordMultiplication, WritesOnlyTheProductWordsForEitherBound)
     }
 }
 
+// A carry pass stopped at nout leaves the counts above it unfolded: each
+// word position holds the low halves of the word products landing on it
+// plus the high halves of those one position lower, modulo 2^32. For
+// (2^64 - 1)^2 every word product is 0xFFFFFFFE_00000001, so position 2 sums
+// to 0x1_FFFFFFFD and position 3 to 0xFFFFFFFE, one short of the product's.
+// (Words printed top first.)
+TEST(WordMultiplication, AShortCarryPassLeavesTheHigherCountsUnfolded)
+{
+    const int32_t ones[2] = {-1, -1};
+    const struct {
+        int nout;
+        const char* words;
+    } cases[] = {
+        {0, "FFFFFFFE FFFFFFFD 00000000 00000001 "},
+        {1, "FFFFFFFE FFFFFFFD 00000000 00000001 "},
+        {2, "FFFFFFFE FFFFFFFE 00000000 00000001 "},
+        {3, "FFFFFFFF FFFFFFFE 00000000 00000001 "},
+    };
+    for (const auto& c : cases) {
+        SCOPED_TRACE(c.nout);
+        int32_t out[4] = {0, 0, 0, 0};
+        Fixed::fixmult(out, ones, ones, 2, 2, c.nout, 0, 0);
+        EXPECT_EQ(model::hexWords(out, 4), c.words);
+    }
+}
+
 // Factors longer than a record, and carry passes that stop short, sum word
 // products: a full pass leaves the product modulo 2^(32 (nx + ny)), and a
 // pass stopping at nout still leaves out[0..nout] exact, since no count
