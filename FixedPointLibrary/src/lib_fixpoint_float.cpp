@@ -2,9 +2,12 @@
 // the results of working operation by operation in doubles, in the order the
 // firmware's data was produced with (the roundings of widths above 53 bits
 // included), bit for bit on every platform. Where those steps are exact
-// float2fix takes integer shortcuts: small values are rounded in 64-bit
-// integers, and an integral double, m x 2^e with a 64-bit m, is shifted into
-// its words whole instead of being split off word by word.
+// float2fix takes shortcuts: values below 2^63 LSB units are rounded and
+// saturated in 64-bit integers, larger finite values under saturation are
+// read off their IEEE fields, and an integral double, m x 2^e with a 64-bit
+// m, is shifted into its words whole instead of being split off word by word.
+// The double steps themselves remain for wrap-around of large values and for
+// infinities and NaN.
 #include <cmath>
 #include <cstring>
 
@@ -61,8 +64,10 @@ double roundToInteger(double value, int round)
     return whole + increment;
 }
 
-// Range stage under saturation: the bound x lies beyond, if any. The limits
-// are compared as doubles, so infinities saturate too.
+// Range stage under saturation: the bound x lies beyond, if any. Only
+// infinities and NaN come here (finite values are range-checked on their
+// IEEE fields); the limits are compared as doubles, so infinities saturate
+// and a NaN lies beyond none.
 bool isOutOfRange(double x, int bits, int sign, Bound& bound)
 {
     if (sign != 0) {
