@@ -51,18 +51,6 @@ mpz_class wrapInto(const mpz_class& m, int bits, bool isSigned)
     return isSigned && r > maximum(bits, true) ? mpz_class(r - (mpz_class(1) << bits)) : r;
 }
 
-bool wrapStepRounds(const mpz_class& m, int bits)
-{
-    // s = (m + 2^(bits-1)) / 2^bits and its ceiling k: rounding to nearest
-    // moves s by at most half an ulp, at most max(|s|, |k|) 2^-53.
-    const mpq_class s(m + (mpz_class(1) << (bits - 1)), mpz_class(1) << bits);
-    mpz_class k;
-    mpz_cdiv_q(k.get_mpz_t(), s.get_num_mpz_t(), s.get_den_mpz_t());
-    const mpq_class gap = mpq_class(k) - s;
-    const mpq_class magnitude = abs(s) > abs(mpq_class(k)) ? mpq_class(abs(s)) : mpq_class(abs(mpq_class(k)));
-    return gap > 0 && gap * (mpz_class(1) << 53) <= magnitude;
-}
-
 mpz_class saturateInto(const mpz_class& m, int bits, bool isSigned)
 {
     return m < minimum(bits, isSigned) ? minimum(bits, isSigned) : m > maximum(bits, isSigned) ? maximum(bits, isSigned) : m;

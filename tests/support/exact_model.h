@@ -6,7 +6,6 @@
 
 #include <gmpxx.h>
 
-#include <array>
 #include <cstdint>
 #include <random>
 #include <string>
@@ -14,8 +13,6 @@
 #include <vector>
 
 namespace model {
-
-using Words = std::array<int32_t, 5>;
 
 /// Words in use for a width of 1..160 bits.
 int wordsFor(int bits);
@@ -41,13 +38,6 @@ mpz_class roundDouble(double value, bool nearest);
 /// m reduced modulo 2^bits into the format's range (two's complement read
 /// back for signed formats).
 mpz_class wrapInto(const mpz_class& m, int bits, bool isSigned);
-
-/// Whether the first double step of wrapping the integer m into bits bits,
-/// q = floor(1/2 + m 2^-bits), may come out one too high: the exact sum lies
-/// so close below the next integer that rounding it to a double (53
-/// significant bits, to nearest) can reach that integer. Only then can the
-/// words leave m's residue class; with q exact the remaining steps are exact.
-bool wrapStepRounds(const mpz_class& m, int bits);
 
 /// m clamped to the format's range.
 mpz_class saturateInto(const mpz_class& m, int bits, bool isSigned);
