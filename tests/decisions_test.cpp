@@ -174,3 +174,21 @@ TEST_F(Decisions, RawWordsWithoutAWidthStayRawAndReadAsZero)
 }
 
 }  // namespace
+
+// A record of a width below 1 holds no words: comparisons read none (such
+// records are equal and neither is greater, whatever their words), and a
+// factor of no words makes the product record blank.
+TEST_F(Decisions, RecordsWithoutAWidthHoldNoWords)
+{
+    for (int bits : {0, -5}) {
+        SCOPED_TRACE(bits);
+        const Fixed::fix a{bits, 0, 1, {1, 2, 3, 4, 5}};
+        const Fixed::fix b{bits, 0, 1, {-1, 7, 8, 9, 10}};
+        EXPECT_EQ(Fixed::fixedeq(a, b), 1);
+        EXPECT_EQ(Fixed::fixedgt(a, b) + Fixed::fixedgt(b, a), 0);
+        const Fixed::fix product = Fixed::fixedmult(a, Fixed::double2fixed(1.5, 8, 8, 1, 1, 0));
+        EXPECT_EQ(product.bits, bits + 16);
+        EXPECT_EQ(model::hexWords(product.val, 5), model::hexWords(Fixed::fix{}.val, 5));
+    }
+    expectNoReports();
+}

@@ -21,11 +21,7 @@ int32_t leftAligned(uint32_t pattern, int bits)
     return static_cast<int32_t>(pattern << (32 - bits));
 }
 
-std::string describe(const Fixed::fixed& f)
-{
-    return std::to_string(f.bits) + "/" + std::to_string(f.exp) + "/" + std::to_string(f.sign) + " " +
-           model::hexWords(f.val, 5);
-}
+using model::describe;
 
 // Widths whose sum is at most 14, all four signedness combinations; the word
 // form on the same single words, with either carry bound.
@@ -93,7 +89,7 @@ TEST(ExhaustiveComparison, FixedgtFixedleAndFixedeqDecideEveryPairOfSmallPattern
 }
 
 // Sums and differences of every pair of patterns of widths 1 to 8 wrap at the
-// width; negation, complement and bit count of every pattern.
+// width; negation, complement, bit count and double value of every pattern.
 TEST(ExhaustiveWordArithmetic, SumsDifferencesAndPrimitivesOfEverySmallPattern)
 {
     clearRecordedReports();
@@ -133,6 +129,10 @@ TEST(ExhaustiveWordArithmetic, SumsDifferencesAndPrimitivesOfEverySmallPattern)
                 << neg.frameHex() << "/ " << inPlace.frameHex();
             EXPECT_TRUE(notOut.data()[0] == complement && notOut.guardsIntact()) << notOut.frameHex();
             EXPECT_EQ(ones, static_cast<int>(mpz_popcount(mpz_class(static_cast<uint32_t>(withPad)).get_mpz_t())));
+            // Read back as a double: unsigned, and signed with an exponent and junk above.
+            const double signedValue = p >> (bits - 1) != 0 ? static_cast<double>(p) - count : p;
+            EXPECT_EQ(Fixed::fix2float(&withPad, bits, 0), static_cast<double>(p));
+            EXPECT_EQ(Fixed::fixed2double(Fixed::fixed{bits, -3, 1, {withPad, junk, junk, junk, junk}}), signedValue / 8);
             if (::testing::Test::HasFailure())
                 return;
         }

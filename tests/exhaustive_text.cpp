@@ -1,8 +1,10 @@
 // Every pattern of widths 1 to 12 as text, in every digit width, grouping
-// mode and step direction, against the independent renderer; each text is
-// sized by a query call and written between guard bytes.
+// mode and step direction, against the independent renderer; then wide
+// mantissas with exponents up to the ends of int. Each text is sized by a
+// query call and written between guard bytes.
 #include <gtest/gtest.h>
 
+#include <climits>
 #include <string>
 #include <vector>
 
@@ -11,30 +13,6 @@
 #include "text_reference.h"
 
 namespace {
-
-using Renderer = int (*)(const int32_t*, int, int, char*, int, int, int, int, int);
-
-constexpr int guardBytes = 8;
-constexpr char guard = '#';
-
-// The text as it reads (first character first), or why it does not.
-// Backward steps (+1) end at the last character; forward steps (-1) start the
-// reversed text at the first position.
-bool renderMatches(Renderer fn, const int32_t* words, int bits, int exp, int k, int step, int align, int lower,
-                   const std::string& expected, std::string& got)
-{
-    const int queried = fn(words, bits, exp, nullptr, k, step, align, lower, 1);
-    const size_t n = queried < 0 ? 0 : static_cast<size_t>(queried);  // sized as a caller would
-    std::string buffer(n + 2 * guardBytes, guard);
-    char* const str = step > 0 ? &buffer[guardBytes + n] - 1 : &buffer[guardBytes];
-    const int written = fn(words, bits, exp, str, k, step, align, lower, 0);
-    got = buffer.substr(guardBytes, n);
-    if (step < 0)
-        got.assign(got.rbegin(), got.rend());
-    const std::string guards(guardBytes, guard);
-    return written == queried && got == expected && buffer.compare(0, guardBytes, guards) == 0 &&
-           buffer.compare(guardBytes + n, guardBytes, guards) == 0;
-}
 
 // fix2str1 with and without an exponent part; fix2str2 with every radix
 // point position inside the mantissa and the scientific form on both sides.
@@ -63,14 +41,48 @@ TEST(ExhaustiveText, Fix2str1AndFix2str2RenderEveryPatternOfWidthsUpTo12)
             const std::string expected = whole ? reference::wholeText(binary, exp, k, align, lower != 0)
                                                : reference::positionalText(binary, exp, k, align, lower != 0);
             for (int step : {1, -1}) {
-                std::string got;
-                if (!renderMatches(whole ? Fixed::fix2str1 : Fixed::fix2str2, words, bits, exp, k, step, align, lower,
-                                   expected, got)) {
+                const reference::Rendered r = reference::render(whole ? Fixed::fix2str1 : Fixed::fix2str2, words,
+                                                                bits, exp, k, step, align, lower);
+                if (r.text != expected || r.written != r.queried || !r.guardsIntact) {
                     ADD_FAILURE() << (whole ? "fix2str1 " : "fix2str2 ") << binary << " exp " << exp << " k " << k
-                                  << " align " << align << " step " << step << ": got \"" << got << "\", expected \""
+                                  << " align " << align << " step " << step << ": got \"" << r.text << "\", expected \""
                                   << expected << "\" (or the count or a guard byte differs)";
                     return;
                 }
+            }
+        }
+    }
+}
+
+// Wide mantissas whose digits differ at the top, the bottom and the word
+// boundaries, with junk in the pad bits and the words above; exponents at
+// the radix point's ends and at the ends of int, where fix2str2's scientific
+// exponent exp + bits - 1 leaves int. Grouping modes outside 0..2 act as 0.
+TEST(ExhaustiveText, WideMantissasAndExtremeExponents)
+{
+    const int widths[] = {31, 32, 33, 63, 64, 65, 96, 127, 159, 160};
+    for (int bits : widths) {
+        const mpz_class all = (mpz_class(1) << bits) - 1;
+        const mpz_class patterns[] = {1, mpz_class(1) << (bits - 1), all / 5 * 3, all};
+        for (const mpz_class& m : patterns) {
+            int32_t words[5] = {-1, -1, -1, -1, -1};
+            model::writeMantissa(m, bits, words);
+            words[0] |= static_cast<int32_t>(~Fixed::highmask[bits % 32] & 0x2D4B6A79u);
+            const std::string binary = reference::binaryDigits(m, bits);
+            for (int exp : {INT_MIN, INT_MIN + 1, -bits - 1, -bits, 1 - bits, -33, -32, -1, 0, 1, INT_MAX - 159, INT_MAX})
+            for (bool whole : {true, false})
+            for (int k = 1; k <= 4; ++k)
+            for (int align = -1; align <= 3; ++align)
+            for (int step : {1, -1}) {
+                const int lower = (k + align) % 2 != 0 ? 1 : 0;
+                const std::string expected = whole ? reference::wholeText(binary, exp, k, align, lower != 0)
+                                                   : reference::positionalText(binary, exp, k, align, lower != 0);
+                const reference::Rendered r = reference::render(whole ? Fixed::fix2str1 : Fixed::fix2str2, words,
+                                                                bits, exp, k, step, align, lower);
+                ASSERT_TRUE(r.text == expected && r.written == r.queried && r.guardsIntact)
+                    << (whole ? "fix2str1 " : "fix2str2 ") << m.get_str(16) << " (" << bits << " bits) exp " << exp
+                    << " k " << k << " align " << align << " step " << step << ": got \"" << r.text
+                    << "\", expected \"" << expected << "\"";
             }
         }
     }

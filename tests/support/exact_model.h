@@ -72,6 +72,13 @@ mpz_class wrapByDoubleSteps(const mpz_class& x, int bits);
 /// Hex text of the words, top first, for failure messages.
 std::string hexWords(const int32_t* words, int count);
 
+/// A record's width, exponent, sign field and words, for failure messages.
+template <typename Record>
+std::string describe(const Record& f)
+{
+    return std::to_string(f.bits) + "/" + std::to_string(f.exp) + "/" + std::to_string(f.sign) + " " + hexWords(f.val, 5);
+}
+
 /// A width drawn with weight on the boundaries that matter for 32-bit words
 /// and 53-bit doubles: 1, 31-33, 53-54, 63-65, 96, 159-160; else uniform.
 int boundaryWeightedWidth(std::mt19937_64& random);

@@ -54,4 +54,21 @@ std::string positionalText(const std::string& binary, int exp, int k, int align,
     return text + (positional ? "" : "*2^" + std::to_string(static_cast<int64_t>(exp) + bits - 1));
 }
 
+Rendered render(Renderer fn, const int32_t* words, int bits, int exp, int k, int step, int align, int lower)
+{
+    const size_t guardBytes = 8;
+    Rendered r;
+    r.queried = fn(words, bits, exp, nullptr, k, step, align, lower, 1);
+    const size_t n = r.queried < 0 ? 0 : static_cast<size_t>(r.queried);
+    std::string buffer(n + 2 * guardBytes, '#');
+    char* const str = step > 0 ? &buffer[guardBytes + n] - 1 : &buffer[guardBytes];
+    r.written = fn(words, bits, exp, str, k, step, align, lower, 0);
+    r.text = buffer.substr(guardBytes, n);
+    if (step < 0)
+        r.text.assign(r.text.rbegin(), r.text.rend());
+    const std::string guards(guardBytes, '#');
+    r.guardsIntact = buffer.compare(0, guardBytes, guards) == 0 && buffer.compare(guardBytes + n, guardBytes, guards) == 0;
+    return r;
+}
+
 }  // namespace reference

@@ -1,10 +1,12 @@
 // Independent renderer of the library's texts: reads the digits straight off
-// the mantissa's binary digits, grouped by plain string slicing.
+// the mantissa's binary digits, grouped by plain string slicing. Also the
+// guarded call of a library renderer that the text tests share.
 #ifndef FIXEDPOINT_TESTS_TEXT_REFERENCE_H
 #define FIXEDPOINT_TESTS_TEXT_REFERENCE_H
 
 #include <gmpxx.h>
 
+#include <cstdint>
 #include <string>
 
 namespace reference {
@@ -21,6 +23,19 @@ std::string wholeText(const std::string& binary, int exp, int k, int align, bool
 /// the radix point lies within the mantissa, else one integer bit and the
 /// adjusted exponent.
 std::string positionalText(const std::string& binary, int exp, int k, int align, bool lower);
+
+using Renderer = int (*)(const int32_t*, int, int, char*, int, int, int, int, int);
+
+/// What a renderer gave: the counts of the query and the writing call, the
+/// text as it reads (first character first) and whether the guard bytes
+/// around it are intact.
+struct Rendered { int queried, written; std::string text; bool guardsIntact; };
+
+/// Sizes the text with a query call, as a caller would, then writes it into
+/// exactly that many characters between guard bytes. Backward steps (+1) end
+/// at the last character; forward steps (-1) start the reversed text at the
+/// first position.
+Rendered render(Renderer fn, const int32_t* words, int bits, int exp, int k, int step, int align, int lower);
 
 }  // namespace reference
 
