@@ -168,21 +168,18 @@ int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int
     // The magnitude bits of the format's maximum: 2^topBit is the first
     // value beyond it, and -2^topBit the signed minimum.
     const int topBit = sign != 0 ? bits - 1 : bits;
-    Bound bound = Bound::Zero;
-    if (negative && sign == 0)
-        bound = Bound::Zero;
-    else if (negative && (exponent > topBit || (exponent == topBit && fraction != 0u)))
-        bound = Bound::SignedMinimum;
-    else if (!negative && exponent >= topBit)
-        bound = maximumFor(sign);
-    else {
-        const int64_t significand = static_cast<int64_t>(fraction | (uint64_t{1} << 52));
-        writeShiftedInteger(negative ? -significand : significand, exponent - 52 + pad, words,
-                            wordsInUse(bits));
-        return 0;
+    const bool belowMinimum =
+        negative && (sign == 0 || exponent > topBit || (exponent == topBit && fraction != 0u));
+    const bool aboveMaximum = !negative && exponent >= topBit;
+    if (belowMinimum || aboveMaximum) {
+        const Bound minimum = sign != 0 ? Bound::SignedMinimum : Bound::Zero;
+        writeBound(words, bits, aboveMaximum ? maximumFor(sign) : minimum);
+        return 1;
     }
-    writeBound(words, bits, bound);
-    return 1;
+    const int64_t significand = static_cast<int64_t>(fraction | (uint64_t{1} << 52));
+    writeShiftedInteger(negative ? -significand : significand, exponent - 52 + pad, words,
+                        wordsInUse(bits));
+    return 0;
 }
 
 // The rounding, range and split stages in doubles, as the firmware's data
