@@ -150,21 +150,51 @@ template <typename CountX, typename CountY>
         subtractIfNegative(out + ny, x, nx, y, ny);
 }
 
-using Multiplier = void (*)(int32_t*, uint32_t*, const int32_t*, const int32_t*, int, int, int);
-
-// A record-sized product with a carry pass to the top.
-template <int NX, int NY>
-void multiplyRecordSized(int32_t* out, uint32_t* carries, const int32_t* x, const int32_t* y,
-                         int nout, int sx, int sy)
+// Runs multiply(carries) with nx + ny carry counters from the heap, released
+// afterwards. If the counters cannot be had, nothing runs and out is left
+// as the caller zeroed it: a product of zero is a defined value, and no word
+// is left half-summed.
+template <typename Multiply>
+[[gnu::always_inline]] inline void withCarryCounters(size_t count, Multiply multiply)
 {
-    sumHalfWordPositions<NX, NY>(out, carries, x, y);
-    correctAfterSums(out, carries, x, y, std::integral_constant<int, NX>{},
-                     std::integral_constant<int, NY>{}, nout, sx, sy);
+    uint32_t* carries = static_cast<uint32_t*>(std::malloc(count * sizeof(uint32_t)));
+    if (carries == nullptr)
+        return;
+    multiply(carries);
+    std::free(carries);
+}
+
+using RecordSizedMultiplier = void (*)(int32_t*, const int32_t*, const int32_t*, int, int);
+
+// A record-sized product with a carry pass to the top, the whole routine
+// in one frame: the counters, the sums and the corrections.
+template <int NX, int NY>
+void multiplyRecordSized(int32_t* out, const int32_t* x, const int32_t* y, int sx, int sy)
+{
+    withCarryCounters(NX + NY, [&](uint32_t* carries) {
+        sumHalfWordPositions<NX, NY>(out, carries, x, y);
+        // The dispatch sends only passes reaching the top counter that can be
+        // nonzero (nout of nx + ny - 1 or nx + ny), which all fold alike.
+        correctAfterSums(out, carries, x, y, std::integral_constant<int, NX>{},
+                         std::integral_constant<int, NY>{}, NX + NY - 1, sx, sy);
+    });
+}
+
+// Longer factors, or a shorter carry pass, whose unfolded counts are part of
+// its result: word products summed per position. Out of line, so that fixmult
+// stays a leaf that passes record-sized calls straight on.
+[[gnu::noinline]] void multiplyGeneral(int32_t* out, const int32_t* x, const int32_t* y, int nx,
+                                       int ny, int nout, int sx, int sy)
+{
+    withCarryCounters(static_cast<size_t>(nx) + static_cast<size_t>(ny), [&](uint32_t* carries) {
+        sumPositions(out, carries, x, y, nx, ny);
+        correctAfterSums(out, carries, x, y, nx, ny, nout, sx, sy);
+    });
 }
 
 // Entry [nx - 1][ny - 1]: the unrolled multiplication for factors of one to
 // five words each.
-constexpr Multiplier recordSizedMultipliers[maxWords][maxWords] = {
+constexpr RecordSizedMultiplier recordSizedMultipliers[maxWords][maxWords] = {
     {multiplyRecordSized<1, 1>, multiplyRecordSized<1, 2>, multiplyRecordSized<1, 3>,
      multiplyRecordSized<1, 4>, multiplyRecordSized<1, 5>},
     {multiplyRecordSized<2, 1>, multiplyRecordSized<2, 2>, multiplyRecordSized<2, 3>,
@@ -185,23 +215,14 @@ void fixmult(int32_t* out, const int32_t* x, const int32_t* y, int nx, int ny, i
     // An empty factor makes an empty product: out stays as the caller zeroed it.
     if (nx < 1 || ny < 1)
         return;
-    const int total = nx + ny;
-    // If the counters cannot be had, out is left as the caller zeroed it: a
-    // product of zero is a defined value, and no word is left half-summed.
-    uint32_t* carries = static_cast<uint32_t*>(std::malloc(static_cast<size_t>(total) * sizeof(uint32_t)));
-    if (carries == nullptr)
-        return;
     // Factors of a record's sizes whose carry pass runs to the top (nout of
     // nx + ny - 1 or nx + ny, as fixedmult calls it) leave only the product:
-    // they take the unrolled half-word sums. Longer factors, and a shorter
-    // pass, whose unfolded counts are part of its result, sum word products.
-    if (nx <= maxWords && ny <= maxWords && nout >= total - 1)
-        recordSizedMultipliers[nx - 1][ny - 1](out, carries, x, y, nout, sx, sy);
-    else {
-        sumPositions(out, carries, x, y, nx, ny);
-        correctAfterSums(out, carries, x, y, nx, ny, nout, sx, sy);
-    }
-    std::free(carries);
+    // they take the unrolled half-word sums. Every other call sums word
+    // products.
+    if (nx <= maxWords && ny <= maxWords && nout >= nx + ny - 1)
+        recordSizedMultipliers[nx - 1][ny - 1](out, x, y, sx, sy);
+    else
+        multiplyGeneral(out, x, y, nx, ny, nout, sx, sy);
 }
 
 }  // namespace Fixed
