@@ -4,7 +4,9 @@
 #ifndef FIXEDPOINT_LIB_FIXED_C_H
 #define FIXEDPOINT_LIB_FIXED_C_H
 
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 
 #include "FixedPoint.h"
 #include "lib_fixpoint.h"
@@ -33,14 +35,28 @@ void reportInvalidFlags(const char* function, const FlagMessages& messages, int 
 /// word-wise operations need the signedness too.
 enum class FormatFields { WidthAndExponent, All };
 
+/// A record's width and exponent as one 64-bit value: two records agree in
+/// both exactly when these agree, on either byte order. A record passed by
+/// value has just been stored by its caller, and every field read back costs
+/// a forwarded load; one read serves both fields.
+inline uint64_t widthAndExponent(const fixed& f)
+{
+    static_assert(offsetof(fixed, exp) == offsetof(fixed, bits) + sizeof(int32_t),
+                  "width and exponent are adjacent");
+    uint64_t both = 0;
+    std::memcpy(&both, reinterpret_cast<const unsigned char*>(&f) + offsetof(fixed, bits),
+                sizeof both);
+    return both;
+}
+
 /// Whether a and b agree in the given fields. The operations report a
 /// mismatch and then carry on with the raw words.
 inline bool formatsMatch(const fixed& a, const fixed& b, FormatFields fields = FormatFields::All)
 {
     // Differences ORed rather than tested in turn: one branch on the hot paths.
-    const uint32_t widthAndExponent = asUnsigned(a.bits ^ b.bits) | asUnsigned(a.exp ^ b.exp);
+    const uint64_t differingWidthOrExponent = widthAndExponent(a) ^ widthAndExponent(b);
     const uint32_t signedness = fields == FormatFields::All ? asUnsigned(a.sign ^ b.sign) : 0u;
-    return (widthAndExponent | signedness) == 0u;
+    return (differingWidthOrExponent | signedness) == 0u;
 }
 
 /// True when any flag is invalid or the width exceeds a record: the calls

@@ -66,23 +66,34 @@ int decideGreater(bool greaterWords, uint32_t ea, uint32_t eb, int aSign, int bS
 }
 
 // fixedgt for every pair but the common one: a format mismatch (reported
-// here), mixed or unusual sign fields and widths outside 1..160 (clamped to the record's words; below 1 there is
-// nothing to compare and a is not greater). Out of line, so that the common
-// comparison stays a leaf without a frame.
-[[gnu::noinline]] int greaterInGeneral(const fixed& a, const fixed& b)
+// here), mixed or unusual sign fields and widths outside 1..160 (clamped to
+// the record's words; below 1 there is nothing to compare and a is not
+// greater). Out of line, so that the common comparison stays a leaf without
+// a frame; the records are passed on by value, in the slots they arrived in.
+// Returns the decision XOR `invert` (1 for fixedle).
+[[gnu::noinline]] int greaterInGeneral(fixed a, fixed b, int invert)
 {
     if (!formatsMatch(a, b, FormatFields::WidthAndExponent))
         reportComparedFormats();
     const int nw = recordWordCount(a.bits);
     if (nw < 1)
-        return 0;
+        return invert;
     return decideGreater(wordsGreater(a.val, b.val, nw), extensionBit(a, nw), extensionBit(b, nw),
-                         a.sign, b.sign);
+                         a.sign, b.sign) ^ invert;
 }
 
-// a > b read in place: the body of fixedgt and of fixedle, which would
-// otherwise copy both records a second time to call fixedgt.
-[[gnu::always_inline]] inline int greater(const fixed& a, const fixed& b)
+// The common case with equal top words: the words below decide, read as
+// unsigned numbers. Out of line and by value for the same reason.
+[[gnu::noinline]] int greaterBelowTop(fixed a, fixed b, int top, int invert)
+{
+    return (wordsGreater(a.val, b.val, top) ? 1 : 0) ^ invert;
+}
+
+// a > b, decided where the records arrived: the body of fixedgt and of
+// fixedle, which would otherwise copy both records a second time to call
+// fixedgt; `invert` 1 gives the negation. The rare cases are handed on by
+// value, so that the common one needs no frame.
+[[gnu::always_inline]] inline int greater(const fixed& a, const fixed& b, int invert)
 {
     // The common case, both operands in one format with a sign field of 0 or
     // 1 and a valid width, is laid out straight: every instruction counts
@@ -90,25 +101,25 @@ int decideGreater(bool greaterWords, uint32_t ea, uint32_t eb, int aSign, int bS
     const bool common =
         formatsMatch(a, b) && isMantissaWidth(a.bits) && asUnsigned(a.sign) <= 1u;
     if (__builtin_expect(!common, 0))
-        return greaterInGeneral(a, b);
+        return greaterInGeneral(a, b, invert);
     const int top = static_cast<int>(asUnsigned(a.bits - 1) / 32u);
     const uint32_t aTop = orderedTopWord(a, top);
     const uint32_t bTop = orderedTopWord(b, top);
     if (__builtin_expect(aTop == bTop && top != 0, 0))
-        return wordsGreater(a.val, b.val, top) ? 1 : 0;
-    return aTop > bTop ? 1 : 0;
+        return greaterBelowTop(a, b, top, invert);
+    return (aTop > bTop ? 1 : 0) ^ invert;
 }
 
 }  // namespace
 
 int fixedgt(fixed a, fixed b)
 {
-    return greater(a, b);
+    return greater(a, b, 0);
 }
 
 int fixedle(fixed a, fixed b)
 {
-    return greater(a, b) == 0 ? 1 : 0;
+    return greater(a, b, 1);
 }
 
 int fixedeq(fixed a, fixed b)
