@@ -5,18 +5,6 @@
 #include "lib_fixpoint.h"
 
 namespace Fixed {
-namespace {
-
-// Whether factors of nwA and nwB words make a product of nwR words, or of
-// one word more, within the six scratch words. It cannot fail for factors of
-// 1..160 bits whose sum is within 160 (branches not counted); it keeps the
-// scratch words safe for every other width.
-bool productFitsScratch(int nwA, int nwB, int nwR)
-{
-    return nwA >= 1 && nwB >= 1 && nwA + nwB >= nwR && nwA + nwB <= nwR + 1;  // GCOVR_EXCL_BR_LINE
-}
-
-}  // namespace
 
 fixed fixedmult(fixed a, fixed b)
 {
@@ -30,15 +18,15 @@ fixed fixedmult(fixed a, fixed b)
         // than as some truncated part of it.
         return result;
     }
-    // Factors whose width lies outside 1..160 count as holding no words; a
-    // summed width within 160 then keeps nwA + nwB within the six scratch
-    // words. For factors of 1..160 bits the counts need no clamp.
-    const bool factorsInRange = isMantissaWidth(a.bits) && isMantissaWidth(b.bits);
-    const int nwA = factorsInRange ? wordsInUse(a.bits) : recordWordCount(a.bits);
-    const int nwB = factorsInRange ? wordsInUse(b.bits) : recordWordCount(b.bits);
-    const int nwR = wordsInUse(result.bits);
-    if (!factorsInRange && !productFitsScratch(nwA, nwB, nwR))
+    // A factor whose width lies outside 1..160 holds no words to multiply:
+    // the record reads as zero. (With both factors of 1..160 bits and their
+    // sum within 160, nwA + nwB is nwR or nwR + 1, within the six scratch
+    // words.)
+    if (!isMantissaWidth(a.bits) || !isMantissaWidth(b.bits))
         return result;
+    const int nwA = wordsInUse(a.bits);
+    const int nwB = wordsInUse(b.bits);
+    const int nwR = wordsInUse(result.bits);
     int32_t scratch[maxWords + 1] = {0, 0, 0, 0, 0, 0};
     fixmult(scratch, a.val, b.val, nwA, nwB, nwR, a.sign, b.sign);
     // The word product carries the factors' pad bits; when they add up to a
