@@ -54,9 +54,11 @@ protected:
 TEST_F(MallocFailure, FixmultLeavesTheProductZeroAndWritesNothingElse)
 {
     const int32_t ones[4] = {-1, -1, -1, -1};  // -1 signed, 2^(32n) - 1 unsigned
+    // A carry pass one short of the top takes the word-product path, the
+    // others the record-sized one; each takes its own counters.
     for (int nx = 1; nx <= 3; ++nx)
     for (int ny = 1; nx + ny <= 5; ++ny)
-    for (int nout : {nx + ny - 1, nx + ny}) {
+    for (int nout : {nx + ny - 2, nx + ny - 1, nx + ny}) {
         SCOPED_TRACE(testing::Message() << nx << " x " << ny << " words, nout " << nout);
         GuardedWords out(nx + ny);
         failuresToInject = 1;
@@ -65,9 +67,11 @@ TEST_F(MallocFailure, FixmultLeavesTheProductZeroAndWritesNothingElse)
         EXPECT_EQ(model::hexWords(out.data(), nx + ny), model::hexWords(GuardedWords(nx + ny).data(), nx + ny));
         EXPECT_TRUE(out.guardsIntact()) << out.frameHex();
         failedAllocations = 0;
-        // With the counters available again the same call gives (-1)(-1) = 1.
+        // With the counters available again a full pass gives (-1)(-1) = 1.
         Fixed::fixmult(out.data(), ones, ones, nx, ny, nout, 1, 1);
-        EXPECT_EQ(model::readMantissa(out.data(), 32 * (nx + ny), true), 1);
+        if (nout >= nx + ny - 1) {
+            EXPECT_EQ(model::readMantissa(out.data(), 32 * (nx + ny), true), 1);
+        }
         EXPECT_TRUE(out.guardsIntact()) << out.frameHex();
     }
 }

@@ -33,22 +33,28 @@ struct WordProduct {
     return {lo, hh + (lh >> 16) + (hl >> 16) + wraps};
 }
 
-// Folds the counted carries into the words above them, lowest first, in one
-// pass; a wrap while folding joins the next position's count. Nothing
-// branches on a count: with random factors one is as often zero as not. The
-// top product word never receives a carry, so k + 1 stays inside the nx + ny
-// words even for nout = nx + ny.
-template <typename Count>
-[[gnu::always_inline]] inline void foldCarries(int32_t* out, const uint32_t* carries, int nout,
-                                               Count total)
+// Folds the counted carries of positions 0..steps-1 into the words above
+// them, lowest first, in one pass; a wrap while folding joins the next
+// position's count. Nothing branches on a count: with random factors one is
+// as often zero as not.
+template <typename Steps>
+[[gnu::always_inline]] inline void foldCarries(int32_t* out, const uint32_t* carries, Steps steps)
 {
-    const int last = nout < total ? nout : total - 1;
     uint64_t wrapped = 0;  // the wrap of the previous step
-    for (int k = 0; k < last; ++k) {
+    for (int k = 0; k < steps; ++k) {
         const uint64_t sum = uint64_t{asUnsigned(out[k + 1])} + carries[k] + wrapped;
         out[k + 1] = asWord(static_cast<uint32_t>(sum));
         wrapped = sum >> 32;
     }
+}
+
+// The fold steps of a carry pass over `nout` counters of an nx + ny word
+// product. The top product word never receives a carry, so a pass of
+// nx + ny counters folds as many as one of nx + ny - 1, and k + 1 stays
+// inside the product's words.
+inline int foldSteps(int nout, int total)
+{
+    return nout < total ? nout : total - 1;
 }
 
 // Adds the partial products position by position, each position's sum held
@@ -136,12 +142,12 @@ template <typename CountN, typename CountF>
 }
 
 // Everything after the sums: carries folded, negative factors corrected.
-template <typename CountX, typename CountY>
+template <typename CountX, typename CountY, typename Steps>
 [[gnu::always_inline]] inline void correctAfterSums(int32_t* out, const uint32_t* carries,
                                                     const int32_t* x, const int32_t* y, CountX nx,
-                                                    CountY ny, int nout, int sx, int sy)
+                                                    CountY ny, Steps steps, int sx, int sy)
 {
-    foldCarries(out, carries, nout, nx + ny);
+    foldCarries(out, carries, steps);
     // A negative factor stands for itself minus 2^(32 n): the product loses
     // the other factor shifted up by n words; the cross term falls off the top.
     if (sx != 0)
@@ -176,7 +182,8 @@ void multiplyRecordSized(int32_t* out, const int32_t* x, const int32_t* y, int s
         // The dispatch sends only passes reaching the top counter that can be
         // nonzero (nout of nx + ny - 1 or nx + ny), which all fold alike.
         correctAfterSums(out, carries, x, y, std::integral_constant<int, NX>{},
-                         std::integral_constant<int, NY>{}, NX + NY - 1, sx, sy);
+                         std::integral_constant<int, NY>{},
+                         std::integral_constant<int, NX + NY - 1>{}, sx, sy);
     });
 }
 
@@ -188,7 +195,7 @@ void multiplyRecordSized(int32_t* out, const int32_t* x, const int32_t* y, int s
 {
     withCarryCounters(static_cast<size_t>(nx) + static_cast<size_t>(ny), [&](uint32_t* carries) {
         sumPositions(out, carries, x, y, nx, ny);
-        correctAfterSums(out, carries, x, y, nx, ny, nout, sx, sy);
+        correctAfterSums(out, carries, x, y, nx, ny, foldSteps(nout, nx + ny), sx, sy);
     });
 }
 
