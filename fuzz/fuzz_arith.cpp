@@ -11,7 +11,7 @@
 
 namespace {
 
-bool sameFormat(const Fixed::fix& a, const Fixed::fix& b)
+bool sameFormat(const Fixed::fixed& a, const Fixed::fixed& b)
 {
     return a.bits == b.bits && a.exp == b.exp && a.sign == b.sign;
 }
@@ -26,8 +26,8 @@ mpz_class wordsValue(const int32_t* words, int n)
 
 void checkRecordArithmetic(FuzzedDataProvider& in)
 {
-    Fixed::fix a = fuzz::record(in);
-    Fixed::fix b = in.ConsumeBool() ? a : fuzz::record(in);
+    Fixed::fixed a = fuzz::record(in);
+    Fixed::fixed b = in.ConsumeBool() ? a : fuzz::record(in);
     if (in.ConsumeBool()) {  // same format, different words
         b.bits = a.bits;
         b.exp = a.exp;
@@ -46,13 +46,13 @@ void checkRecordArithmetic(FuzzedDataProvider& in)
         CFixedPoint x(a);
         const CFixedPoint y(b);
         x += y;
-        const Fixed::fix held = x.GetValue();
+        const Fixed::fixed held = x.GetValue();
         fuzz::require(std::memcmp(held.val, sum.val, sizeof sum.val) == 0 && sameFormat(held, a),
                       "operator+= differs from fixedadd");
         CFixedPoint z(a);
         z += z;
-        const Fixed::fix doubled = Fixed::fixedadd(a, a);
-        const Fixed::fix heldTwice = z.GetValue();
+        const Fixed::fixed doubled = Fixed::fixedadd(a, a);
+        const Fixed::fixed heldTwice = z.GetValue();
         fuzz::require(std::memcmp(&heldTwice, &doubled, sizeof doubled) == 0, "x += x");
     }
 

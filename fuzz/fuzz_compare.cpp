@@ -8,8 +8,8 @@
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     FuzzedDataProvider in(data, size);
-    Fixed::fix a = fuzz::record(in);
-    Fixed::fix b = in.ConsumeBool() ? a : fuzz::record(in);
+    Fixed::fixed a = fuzz::record(in);
+    Fixed::fixed b = in.ConsumeBool() ? a : fuzz::record(in);
     if (in.ConsumeBool()) {
         b.bits = a.bits;
         b.exp = a.exp;

@@ -121,7 +121,7 @@ void checkDouble2fixed(FuzzedDataProvider& in)
     CFixedPoint object(value, intbits, fracbits, static_cast<CFixedPoint::SIGN>(sign),
                        static_cast<CFixedPoint::ROUND>(round), static_cast<CFixedPoint::WRAP>(wrap),
                        warn, maxValue);
-    const Fixed::fix g = object.GetValue();
+    const Fixed::fixed g = object.GetValue();
     fuzz::require(std::memcmp(&f, &g, sizeof f) == 0, "constructor record differs from double2fixed");
     const bool fits = CFixedPoint::PreDecimalSufficient(value, intbits,
                                                         static_cast<CFixedPoint::SIGN>(sign), maxValue);
@@ -162,7 +162,7 @@ void checkRawWords(FuzzedDataProvider& in)
     const int sign = fuzz::flag(in);
     fuzz::resetReports();
     CFixedPoint object(msb, lsb, preDecimalBits, fractionBits, static_cast<CFixedPoint::SIGN>(sign));
-    const Fixed::fix f = object.GetValue();
+    const Fixed::fixed f = object.GetValue();
     const int bits = f.bits;
     const uint64_t value = object.GetValueAs_uint64_t();
     fuzz::require(object.MSB() == static_cast<unsigned int>(value >> 32) &&

@@ -39,7 +39,7 @@ mpz_class requantise(const mpz_class& m, int64_t k, int bits, bool isSigned, boo
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
 {
     FuzzedDataProvider in(data, size);
-    Fixed::fix x = fuzz::record(in);
+    Fixed::fixed x = fuzz::record(in);
     const bool cleanPads = in.ConsumeIntegralInRange<int>(0, 3) != 0;
     if (cleanPads)
         fuzz::clearPadBits(x);
@@ -61,7 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const CFixedPoint object(source, intbits, fracbits, static_cast<CFixedPoint::SIGN>(sign),
                                  static_cast<CFixedPoint::ROUND>(round),
                                  static_cast<CFixedPoint::WRAP>(wrap));
-        const Fixed::fix held = object.GetValue();
+        const Fixed::fixed held = object.GetValue();
         fuzz::require(std::memcmp(&held, &result, sizeof held) == 0,
                       "reformat constructor differs from fixedformat");
     }

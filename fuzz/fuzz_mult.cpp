@@ -24,7 +24,7 @@ mpz_class wordsValue(const int32_t* words, int n, bool isSigned)
 
 void checkRecords(FuzzedDataProvider& in)
 {
-    Fixed::fix a = fuzz::record(in), b = fuzz::record(in);
+    Fixed::fixed a = fuzz::record(in), b = fuzz::record(in);
     fuzz::clearPadBits(a);
     fuzz::clearPadBits(b);
     fuzz::resetReports();

@@ -28,7 +28,7 @@ void fail(const std::string& what)
     std::abort();
 }
 
-void clearPadBits(Fixed::fix& f)
+void clearPadBits(Fixed::fixed& f)
 {
     if (!validWidth(f.bits))
         return;

@@ -79,9 +79,9 @@ inline int flag(FuzzedDataProvider& in)
 }
 
 /// A record with arbitrary header and words.
-inline Fixed::fix record(FuzzedDataProvider& in)
+inline Fixed::fixed record(FuzzedDataProvider& in)
 {
-    Fixed::fix f{};
+    Fixed::fixed f{};
     f.bits = width(in, 1, 160);
     f.exp = width(in, -200, 200);
     f.sign = flag(in);
@@ -94,7 +94,7 @@ inline Fixed::fix record(FuzzedDataProvider& in)
 inline bool validWidth(int bits) { return bits >= 1 && bits <= 160; }
 
 /// Clears the pad bits below the width, so the record obeys the layout.
-void clearPadBits(Fixed::fix& f);
+void clearPadBits(Fixed::fixed& f);
 
 }  // namespace fuzz
 

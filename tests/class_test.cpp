@@ -11,7 +11,7 @@
 
 namespace {
 
-bool sameWords(const Fixed::fix& a, const Fixed::fix& b)
+bool sameWords(const Fixed::fixed& a, const Fixed::fixed& b)
 {
     return std::memcmp(&a, &b, sizeof a) == 0;
 }
@@ -23,15 +23,15 @@ class ClassTest : public ReportingTest {};
 // in place, also into itself.
 TEST_F(ClassTest, OwnsADeepCopyOfItsRecord)
 {
-    const Fixed::fix record{16, -12, 1, {0x1B330000, 11, 22, 33, 44}};  // 6963 / 4096
+    const Fixed::fixed record{16, -12, 1, {0x1B330000, 11, 22, 33, 44}};  // 6963 / 4096
     CFixedPoint a(record);
     EXPECT_TRUE(sameWords(a.GetValue(), record));
-    CFixedPoint copy(a), assigned(Fixed::fix{8, 0, 0, {0x01000000, 0, 0, 0, 0}});
+    CFixedPoint copy(a), assigned(Fixed::fixed{8, 0, 0, {0x01000000, 0, 0, 0, 0}});
     EXPECT_EQ(&(copy += a), &copy);
     copy += copy;
     assigned = a;
     assigned = assigned;
-    assigned += CFixedPoint(Fixed::fix{16, -12, 1, {static_cast<int32_t>(0xF8000000u), 0, 0, 0, 0}});  // -0.5
+    assigned += CFixedPoint(Fixed::fixed{16, -12, 1, {static_cast<int32_t>(0xF8000000u), 0, 0, 0, 0}});  // -0.5
     CFixedPoint shifted = a << -3;
     const CFixedPoint nearest(a, 8, 4, CFixedPoint::SIGN_SIGNED, CFixedPoint::ROUND_NEAREST,
                               CFixedPoint::WRAP_SATURATE);
@@ -39,7 +39,7 @@ TEST_F(ClassTest, OwnsADeepCopyOfItsRecord)
     EXPECT_EQ(static_cast<double>(copy), 4 * 6963 / 4096.0);
     EXPECT_EQ(static_cast<double>(assigned), (6963 - 2048) / 4096.0);
     EXPECT_EQ(static_cast<double>(shifted), 6963 / 32768.0);
-    const Fixed::fix r = nearest.GetValue();  // 1.6999 to the nearest sixteenth: 27/16
+    const Fixed::fixed r = nearest.GetValue();  // 1.6999 to the nearest sixteenth: 27/16
     EXPECT_EQ(std::to_string(r.bits) + " " + std::to_string(r.exp) + " " + std::to_string(r.sign), "12 -4 1");
     EXPECT_EQ(static_cast<uint32_t>(r.val[0]), 27u << 20);
     expectNoReports();

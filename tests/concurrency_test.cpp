@@ -27,7 +27,7 @@ struct Case {
 };
 
 struct Outcome {
-    Fixed::fix built, reformatted, accumulated;
+    Fixed::fixed built, reformatted, accumulated;
     uint64_t raw;
     std::vector<std::string> reports;
     bool threw;
@@ -97,7 +97,7 @@ Outcome run(const Case& c)
     return o;
 }
 
-bool same(const Fixed::fix& a, const Fixed::fix& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+bool same(const Fixed::fixed& a, const Fixed::fixed& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 bool same(const Outcome& a, const Outcome& b)
 {

@@ -160,15 +160,15 @@ TEST_F(Decisions, RawWordsWithoutAWidthStayRawAndReadAsZero)
     for (const auto& format : {std::make_pair(0, 0), std::make_pair(-3, 1), std::make_pair(4, -9)}) {
         SCOPED_TRACE(std::to_string(format.first) + "." + std::to_string(format.second));
         const CFixedPoint x(0x89ABCDEFu, 0x01234567u, format.first, format.second, CFixedPoint::SIGN_SIGNED);
-        const Fixed::fix record = x.GetValue();
-        const Fixed::fix want{format.first + format.second, -format.second, 1, {0x01234567, static_cast<int32_t>(0x89ABCDEFu), 0, 0, 0}};
+        const Fixed::fixed record = x.GetValue();
+        const Fixed::fixed want{format.first + format.second, -format.second, 1, {0x01234567, static_cast<int32_t>(0x89ABCDEFu), 0, 0, 0}};
         EXPECT_EQ(std::memcmp(&record, &want, sizeof want), 0) << model::hexWords(record.val, 5);
         EXPECT_EQ(x.GetValueAs_uint64_t(), 0u);
         EXPECT_EQ(x.MSB() + x.LSB(), 0u);
     }
     // Up to 64 bits they are converted, through a double: a 64-bit pattern
     // beyond 53 significant bits comes out rounded.
-    const Fixed::fix converted = CFixedPoint(0x80000000u, 1u, 64, 0, CFixedPoint::SIGN_UNSIGNED).GetValue();
+    const Fixed::fixed converted = CFixedPoint(0x80000000u, 1u, 64, 0, CFixedPoint::SIGN_UNSIGNED).GetValue();
     EXPECT_EQ(model::hexWords(converted.val, 2), "80000000 00000000 ");
     expectNoReports();
 }
@@ -182,13 +182,13 @@ TEST_F(Decisions, RecordsWithoutAWidthHoldNoWords)
 {
     for (int bits : {0, -5}) {
         SCOPED_TRACE(bits);
-        const Fixed::fix a{bits, 0, 1, {1, 2, 3, 4, 5}};
-        const Fixed::fix b{bits, 0, 1, {-1, 7, 8, 9, 10}};
+        const Fixed::fixed a{bits, 0, 1, {1, 2, 3, 4, 5}};
+        const Fixed::fixed b{bits, 0, 1, {-1, 7, 8, 9, 10}};
         EXPECT_EQ(Fixed::fixedeq(a, b), 1);
         EXPECT_EQ(Fixed::fixedgt(a, b) + Fixed::fixedgt(b, a), 0);
-        const Fixed::fix product = Fixed::fixedmult(a, Fixed::double2fixed(1.5, 8, 8, 1, 1, 0));
+        const Fixed::fixed product = Fixed::fixedmult(a, Fixed::double2fixed(1.5, 8, 8, 1, 1, 0));
         EXPECT_EQ(product.bits, bits + 16);
-        EXPECT_EQ(model::hexWords(product.val, 5), model::hexWords(Fixed::fix{}.val, 5));
+        EXPECT_EQ(model::hexWords(product.val, 5), model::hexWords(Fixed::fixed{}.val, 5));
     }
     expectNoReports();
 }

@@ -32,7 +32,7 @@ C fromDouble(double value, int intBits, int fracBits, C::SIGN sign,
 C fromPattern(int bits, int sign, uint64_t pattern)
 {
     const uint64_t aligned = pattern << (64 - bits);
-    Fixed::fix f{bits, 0, sign, {0, 0, 0, 0, 0}};
+    Fixed::fixed f{bits, 0, sign, {0, 0, 0, 0, 0}};
     f.val[0] = static_cast<int32_t>(static_cast<uint32_t>(aligned));
     f.val[1] = static_cast<int32_t>(static_cast<uint32_t>(aligned >> 32));
     return C(f);
@@ -40,7 +40,7 @@ C fromPattern(int bits, int sign, uint64_t pattern)
 
 bool mantissaIsZero(const C& x)
 {
-    const Fixed::fix f = x.GetValue();
+    const Fixed::fixed f = x.GetValue();
     return f.val[0] == 0 && f.val[1] == 0 && f.val[2] == 0 && f.val[3] == 0 && f.val[4] == 0;
 }
 
@@ -79,7 +79,7 @@ TEST_F(DocumentedEdges, ScaledOverflowBehavesAsInfinity)
     // 1e300 fits a double; 1e300 x 2^48 does not.
     EXPECT_TRUE(mantissaIsZero(fromDouble(1e300, 0, 48, C::SIGN_UNSIGNED, C::ROUND_NEAREST)));
     expectReports({splitError});
-    const Fixed::fix max = fromDouble(1e300, 0, 48, C::SIGN_UNSIGNED, C::ROUND_FLOOR).GetValue();
+    const Fixed::fixed max = fromDouble(1e300, 0, 48, C::SIGN_UNSIGNED, C::ROUND_FLOOR).GetValue();
     EXPECT_EQ(static_cast<uint32_t>(max.val[0]), 0xFFFF0000u);
     EXPECT_EQ(static_cast<uint32_t>(max.val[1]), 0xFFFFFFFFu);
     expectNoReports();
@@ -102,7 +102,7 @@ TEST_F(DocumentedEdges, WidthsOutsideTheRecordGiveZero)
     EXPECT_TRUE(mantissaIsZero(C(source, 161, 0, C::SIGN_SIGNED, C::ROUND_NEAREST, C::WRAP_SATURATE)));
     expectReports({{Fixed::signature::fixedformat, Fixed::message::fixedformatWidth}});
     EXPECT_TRUE(mantissaIsZero(C(source, 0, 0, C::SIGN_SIGNED, C::ROUND_NEAREST, C::WRAP_SATURATE)));
-    EXPECT_TRUE(mantissaIsZero(C(C(Fixed::fix{200, 0, 1, {1, 2, 3, 4, 5}}), 8, 0, C::SIGN_SIGNED,
+    EXPECT_TRUE(mantissaIsZero(C(C(Fixed::fixed{200, 0, 1, {1, 2, 3, 4, 5}}), 8, 0, C::SIGN_SIGNED,
                                  C::ROUND_NEAREST, C::WRAP_SATURATE)));
     // Raw words of a record wider than 160 bits are kept but read as zero.
     C raw(1u, 5u, 200, 0, C::SIGN_UNSIGNED);
@@ -135,7 +135,7 @@ TEST_F(DocumentedEdges, SixtyFourBitPatternsKeepFiftyThreeBits)
     EXPECT_EQ(lost.MSB(), 0x08000000u);
     // The raw-word constructor: the low bit is lost; the top saturates.
     EXPECT_EQ(C(0x08000000u, 1u, 60, 0, C::SIGN_UNSIGNED).GetValue().val[0], 0);
-    const Fixed::fix top = C(0x7FFFFFFFu, 0xFFFFFFFFu, 64, 0, C::SIGN_SIGNED).GetValue();
+    const Fixed::fixed top = C(0x7FFFFFFFu, 0xFFFFFFFFu, 64, 0, C::SIGN_SIGNED).GetValue();
     EXPECT_EQ(static_cast<uint32_t>(top.val[0]), 0xFFFFFFFFu);
     EXPECT_EQ(static_cast<uint32_t>(top.val[1]), 0x7FFFFFFFu);
     expectNoReports();
@@ -147,7 +147,7 @@ TEST_F(DocumentedEdges, WideNegativeValuesCanCancelInOperatorDouble)
     EXPECT_EQ(static_cast<double>(fromDouble(-1.0, 96, 32, C::SIGN_SIGNED)), 0.0);
     EXPECT_EQ(static_cast<double>(fromDouble(-1.0, 40, 40, C::SIGN_SIGNED)), -1.0);
     // A non-negative 96-bit mantissa off the correctly rounded double.
-    C x(Fixed::fix{96, 0, 1, {static_cast<int32_t>(0xFFFFFF7Fu), 0x7B988DFF, 0x70E03CBF, 0, 0}});
+    C x(Fixed::fixed{96, 0, 1, {static_cast<int32_t>(0xFFFFFF7Fu), 0x7B988DFF, 0x70E03CBF, 0, 0}});
     EXPECT_EQ(static_cast<double>(x), 3.493340735780744e+28);
     EXPECT_NE(static_cast<double>(x), 3.4933407357807437e+28);  // the exact value's double
     expectNoReports();

@@ -24,7 +24,7 @@ CFixedPoint fromDouble(double value, int intbits, int fracbits, int sign, int ro
                        static_cast<Wrap>(wrap), warn, CFixedPoint::MAXVALUE_2N_MINUS_1);
 }
 
-bool sameRecord(const Fixed::fix& a, const Fixed::fix& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
+bool sameRecord(const Fixed::fixed& a, const Fixed::fixed& b) { return std::memcmp(&a, &b, sizeof a) == 0; }
 
 class ThrowingReport : public ReportingTest {};
 
@@ -56,7 +56,7 @@ TEST_F(ThrowingReport, ConstructionsThatReportReleaseTheirRecord)
 TEST_F(ThrowingReport, MembersThatReportLeaveTheObjectUnchanged)
 {
     CFixedPoint wide = fromDouble(3.25, 64, 32, 1, 0, 0, false);
-    const Fixed::fix before = wide.GetValue();
+    const Fixed::fixed before = wide.GetValue();
     throwOnReports(3);
     EXPECT_THROW(wide.GetValueAs_uint64_t(), ReportFailure);
     EXPECT_THROW(wide.MSB(), ReportFailure);

@@ -55,7 +55,7 @@ public:
 
     size_t size() const { return m_count; }
 
-    Fixed::fix record(size_t i, int exp, int sign) const
+    Fixed::fixed record(size_t i, int exp, int sign) const
     {
         if (m_narrow == nullptr)
             return recordOf(m_wide[i], m_bits, exp, sign);

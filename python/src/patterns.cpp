@@ -19,7 +19,7 @@ int padBits(int bits)
 
 }  // namespace
 
-Pattern patternOf(const Fixed::fix& record)
+Pattern patternOf(const Fixed::fixed& record)
 {
     Pattern pattern = {};
     const int nw = Fixed::recordWordCount(record.bits);
@@ -45,9 +45,9 @@ bool fitsWidth(const Pattern& pattern, int bits)
     return true;
 }
 
-Fixed::fix recordOf(const Pattern& pattern, int bits, int exp, int sign)
+Fixed::fixed recordOf(const Pattern& pattern, int bits, int exp, int sign)
 {
-    Fixed::fix record = {bits, exp, sign, {0, 0, 0, 0, 0}};
+    Fixed::fixed record = {bits, exp, sign, {0, 0, 0, 0, 0}};
     const int nw = Fixed::recordWordCount(bits);
     const int pad = padBits(bits);
     for (int i = 0; i < nw; ++i) {
@@ -58,9 +58,9 @@ Fixed::fix recordOf(const Pattern& pattern, int bits, int exp, int sign)
     return record;
 }
 
-Fixed::fix recordOf64(uint64_t pattern, int bits, int exp, int sign)
+Fixed::fixed recordOf64(uint64_t pattern, int bits, int exp, int sign)
 {
-    Fixed::fix record = {bits, exp, sign, {0, 0, 0, 0, 0}};
+    Fixed::fixed record = {bits, exp, sign, {0, 0, 0, 0, 0}};
     const uint64_t aligned = pattern << padBits(bits);
     record.val[0] = Fixed::asWord(static_cast<uint32_t>(aligned));
     if (bits > 32)

@@ -20,10 +20,10 @@ struct Pattern {
 /// The record's top `bits` bits, right-aligned: the pad bits below the
 /// mantissa are dropped, words above the width are zero. The record's width
 /// must lie within 1 to 160.
-Pattern patternOf(const Fixed::fix& record);
+Pattern patternOf(const Fixed::fixed& record);
 /// The same for a width of at most 64 bits. Inline: it runs once per
 /// element of the array calls.
-inline uint64_t pattern64Of(const Fixed::fix& record)
+inline uint64_t pattern64Of(const Fixed::fixed& record)
 {
     const uint64_t low = static_cast<uint32_t>(record.val[0]);
     const uint64_t words = record.bits > 32 ? (uint64_t{static_cast<uint32_t>(record.val[1])} << 32) | low : low;
@@ -46,9 +46,9 @@ inline bool fitsWidth(uint64_t pattern, int bits)
 
 /// A record of the format holding the pattern (which must fit the width)
 /// left-aligned, pad bits and unused words zero.
-Fixed::fix recordOf(const Pattern& pattern, int bits, int exp, int sign);
+Fixed::fixed recordOf(const Pattern& pattern, int bits, int exp, int sign);
 /// The same for a width of at most 64 bits.
-Fixed::fix recordOf64(uint64_t pattern, int bits, int exp, int sign);
+Fixed::fixed recordOf64(uint64_t pattern, int bits, int exp, int sign);
 
 /// The pattern as a Python int.
 pybind11::int_ toPythonInt(const Pattern& pattern);

@@ -99,7 +99,7 @@ std::string text(const CFixedPoint& value, int digitBits, int align)
 {
     if (digitBits < 1 || digitBits > 4)
         throw py::value_error("a digit holds 1 to 4 bits, not " + std::to_string(digitBits));
-    Fixed::fix record = value.GetValue();
+    Fixed::fixed record = value.GetValue();
     return withReports([&] {
         const int length = Fixed::fix2str2(record.val, record.bits, record.exp, nullptr, digitBits, 1, align, 0, 1);
         if (length <= 0)
