@@ -6,6 +6,7 @@
 #ifndef FIXEDPOINT_LIB_FIXPOINT_H
 #define FIXEDPOINT_LIB_FIXPOINT_H
 
+#include <cmath>
 #include <cstdint>
 #include <cstring>
 
@@ -163,6 +164,15 @@ constexpr double integerPathLimit(int bits, int wrap)
     return wrap != 0 && bits <= 64 ? smallValueLimit : 9223372036854775808.0;
 }
 
+/// Whether a value takes the integer steps: |value| below the limit, tested
+/// on the magnitude so that one branch decides. (Testing value > -limit and
+/// value < limit in turn branches on the value's sign, a coin toss for
+/// measured data.) A NaN is below no limit.
+inline bool takesIntegerPath(double value, double limit)
+{
+    return std::fabs(value) < limit;
+}
+
 /// A value of magnitude below 2^63 floored, or rounded to nearest with
 /// halves upward, as an integer.
 inline int64_t roundSmallValue(double value, int round)
@@ -203,7 +213,7 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
 inline int float2fix(double value, int bits, int32_t* words, int sign, int round, int wrap)
 {
     const double limit = integerPathLimit(bits, wrap);
-    if (bits < 1 || bits > 64 || !(value > -limit && value < limit))
+    if (bits < 1 || bits > 64 || !takesIntegerPath(value, limit))
         return float2fixGeneral(value, bits, words, sign, round, wrap);
     int saturated = 0;
     int64_t x = roundSmallValue(value, round);

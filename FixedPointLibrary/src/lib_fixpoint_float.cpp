@@ -95,7 +95,7 @@ double wrapIntoRange(double x, int bits)
 void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
 {
     const uint64_t pattern = static_cast<uint64_t>(m);
-    const uint64_t fill = m < 0 ? ~uint64_t{0} : 0u;
+    const uint64_t fill = 0u - (pattern >> 63);  // m's sign in every bit
     const int r = static_cast<int>(static_cast<unsigned>(shift) % 64u);
     const bool upperLimb = (static_cast<unsigned>(shift) & 64u) != 0u;
     const uint64_t shiftedLow = pattern << r;
@@ -155,30 +155,37 @@ void splitIntoWords(double x, int32_t* words, int nw, int pad)
 // rounding to nearest turns them into NaN, which is reported.) Such a double
 // is already an integer, so rounding leaves it as it is; comparing it with
 // the powers of two that bound the format, and splitting it into m x 2^e,
-// both come down to its IEEE fields, which are read here once instead of
-// being worked out again stage by stage.
+// both come down to its IEEE bits, which are read here once instead of
+// being worked out again stage by stage. Nothing branches on the value's
+// sign, a coin toss for measured data.
 int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int pad)
 {
     uint64_t ieee;
     std::memcpy(&ieee, &value, sizeof ieee);
-    const bool negative = (ieee >> 63) != 0u;
-    // |value| lies in [2^exponent, 2^(exponent + 1)).
-    const int exponent = static_cast<int>((ieee >> 52) & 0x7FFu) - 1023;
-    const uint64_t fraction = ieee & ((uint64_t{1} << 52) - 1u);
-    // The magnitude bits of the format's maximum: 2^topBit is the first
-    // value beyond it, and -2^topBit the signed minimum.
+    const uint64_t negative = ieee >> 63;
+    // The IEEE bits of a positive double order like its values, so the
+    // magnitude is compared with 2^topBit, the first value beyond the
+    // format's maximum and the negated signed minimum, as an integer:
+    // beyond the maximum is magnitude >= 2^topBit for a positive value,
+    // below the minimum magnitude > 2^topBit for a negative one (adding 1
+    // for a positive value turns the first into the second), and any
+    // negative value for an unsigned format.
+    const uint64_t magnitude = ieee & ~(uint64_t{1} << 63);
     const int topBit = sign != 0 ? bits - 1 : bits;
-    const bool belowMinimum =
-        negative && (sign == 0 || exponent > topBit || (exponent == topBit && fraction != 0u));
-    const bool aboveMaximum = !negative && exponent >= topBit;
-    if (belowMinimum || aboveMaximum) {
+    const uint64_t firstBeyond = static_cast<uint64_t>(topBit + 1023) << 52;
+    const bool outside = (magnitude + (negative ^ 1u) > firstBeyond) | ((negative != 0u) & (sign == 0));
+    if (outside) {
         const Bound minimum = sign != 0 ? Bound::SignedMinimum : Bound::Zero;
-        writeBound(words, bits, aboveMaximum ? maximumFor(sign) : minimum);
+        writeBound(words, bits, negative != 0u ? minimum : maximumFor(sign));
         return 1;
     }
-    const int64_t significand = static_cast<int64_t>(fraction | (uint64_t{1} << 52));
-    writeShiftedInteger(negative ? -significand : significand, exponent - 52 + pad, words,
-                        wordsInUse(bits));
+    // value = significand x 2^(biased exponent - 1075); the signed
+    // significand is negated through a mask.
+    const uint64_t signMask = 0u - negative;
+    const uint64_t significand = (magnitude & ((uint64_t{1} << 52) - 1u)) | (uint64_t{1} << 52);
+    const int exponent = static_cast<int>(magnitude >> 52) - 1075;
+    writeShiftedInteger(static_cast<int64_t>((significand ^ signMask) - signMask), exponent + pad,
+                        words, wordsInUse(bits));
     return 0;
 }
 
@@ -241,7 +248,7 @@ int float2fixGeneral(double value, int bits, int32_t* words, int sign, int round
     const int nw = wordsInUse(bits);
     const int pad = 32 * nw - bits;
     const double limit = integerPathLimit(bits, wrap);
-    if (value > -limit && value < limit) {
+    if (takesIntegerPath(value, limit)) {
         // Wider than 64 bits: the integer steps of the inline part, with the
         // pattern's sign filling the words above its 64 bits.
         int saturated = 0;
