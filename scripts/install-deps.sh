@@ -21,5 +21,8 @@ echo "Installing: ${missing[*]}"
 sudo_cmd=()
 [ "$(id -u)" -eq 0 ] || sudo_cmd=(sudo)
 export DEBIAN_FRONTEND=noninteractive
-"${sudo_cmd[@]}" apt-get update -qq
+# An index that fails to download (a mirror mid-sync, say for the armhf
+# architecture the cross check adds) must not stop the install: apt keeps the
+# indexes it has, and the install below fails loudly if a package is missing.
+"${sudo_cmd[@]}" apt-get update -qq || echo "install-deps: apt-get update reported errors; installing from the indexes at hand" >&2
 "${sudo_cmd[@]}" apt-get install -y -qq --no-install-recommends "${missing[@]}"
