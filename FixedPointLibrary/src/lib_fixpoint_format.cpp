@@ -198,7 +198,9 @@ uint32_t convertLimbs(const int32_t* srcLow, int srcBits, int32_t* dstLow, int d
                       int sign, int round, int wrap)
 {
     const Limbs src = readSource(srcLow, srcBits);
-    const uint64_t extension = sign != 0 && (src.hi >> 63) != 0u ? ~uint64_t{0} : 0u;
+    // All ones for a negative value: a mask rather than a branch on the
+    // value's sign, a coin toss for measured data.
+    const uint64_t extension = sign != 0 ? 0u - (src.hi >> 63) : 0u;
     // The lost integer bits, and the new sign bit of a signed result, must
     // all repeat the value's sign (below the source they read as zero).
     if (gained < 0 && wrap == 0 && !topBitsRepeat(src, extension, -gained + (sign != 0 ? 1 : 0)))
@@ -255,15 +257,17 @@ inline bool convertWithin64Bits(const int32_t* src, int32_t* dst, int srcbits, i
     const uint32_t lowest = asUnsigned(src[0]) & highmask[srcbits % 32];
     const uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | lowest
                                     : uint64_t{lowest} << 32;
-    const bool negative = sign != 0 && (a >> 63) != 0;
     // m's two's complement bits: a shifted right, sign-extended when signed.
+    // The extension is a mask (all ones for a negative value), not a branch:
+    // the sign of measured data is a coin toss.
+    const uint64_t extension = sign != 0 ? 0u - (a >> 63) : 0u;
     uint64_t m = 0;
     uint64_t roundingBit = 0;
     if (shift >= 64) {
-        m = negative ? ~uint64_t{0} : 0u;
-        roundingBit = shift == 64 ? a >> 63 : (negative ? 1u : 0u);
+        m = extension;
+        roundingBit = shift == 64 ? a >> 63 : extension & 1u;
     } else if (shift > 0) {
-        m = negative ? ~(~a >> shift) : a >> shift;
+        m = ((a ^ extension) >> shift) ^ extension;
         roundingBit = (a >> (shift - 1)) & 1u;
     } else {
         m = a;
