@@ -173,7 +173,8 @@ int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int
     const uint64_t magnitude = ieee & ~(uint64_t{1} << 63);
     const int topBit = sign != 0 ? bits - 1 : bits;
     const uint64_t firstBeyond = static_cast<uint64_t>(topBit + 1023) << 52;
-    const bool outside = (magnitude + (negative ^ 1u) > firstBeyond) | ((negative != 0u) & (sign == 0));
+    const bool outside =
+        (magnitude + (negative ^ 1u) > firstBeyond) | ((negative != 0u) & (sign == 0));
     if (outside) {
         const Bound minimum = sign != 0 ? Bound::SignedMinimum : Bound::Zero;
         writeBound(words, bits, negative != 0u ? minimum : maximumFor(sign));
