@@ -97,15 +97,11 @@ CFixedPoint::CFixedPoint(const double& value, int preDecimalBits, int fractionBi
                          bool warn, CFixedPoint::MAXVALUE maxValue)
     : m_pValue(nullptr)
 {
-    // The range check is decided before the conversion, while the value is
-    // fresh, and reported after it, in the order the two report in: read
-    // after the quantiser's word stores, the value's load waited on them.
-    const bool warnOfRange = warn && !PreDecimalSufficient(value, preDecimalBits, sign, maxValue);
     // The conversion's result is built directly in the heap record (no
     // temporary to copy); the record is released again if a report throws.
     RecordHolder record(
         new Fixed::fixed(Fixed::double2fixed(value, preDecimalBits, fractionBits, sign, round, wrap)));  // GCOVR_EXCL_BR_LINE
-    if (warnOfRange) {
+    if (warn && !PreDecimalSufficient(value, preDecimalBits, sign, maxValue)) {
         FIXED_REPORT(Fixed::signature::constructFromDouble, Fixed::message::predecimalBefore,
                      preDecimalBits, Fixed::message::predecimalMiddle, value,
                      Fixed::message::predecimalAfter);
