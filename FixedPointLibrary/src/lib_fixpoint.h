@@ -79,6 +79,12 @@ constexpr uint32_t asUnsigned(int32_t word) { return static_cast<uint32_t>(word)
 /// An unsigned word stored into the signed word arrays (same bits).
 constexpr int32_t asWord(uint32_t bits) { return static_cast<int32_t>(bits); }
 
+/// All ones when the top bit of `bits` is set, else zero: a value's sign as
+/// a mask for extending, negating or selecting without a branch. Measured
+/// data makes the sign a coin toss, so a branch on it mispredicts about
+/// every other call.
+constexpr uint64_t topBitMask(uint64_t bits) { return 0u - (bits >> 63); }
+
 /// 2^n as a double: exact for every integer n, overflowing to infinity and
 /// underflowing to zero exactly as pow(2.0, n) does. The IEEE bits are built
 /// directly (a biased exponent for normal results, a single mantissa bit for

@@ -95,7 +95,7 @@ double wrapIntoRange(double x, int bits)
 void writeShiftedInteger(int64_t m, int shift, int32_t* words, int nw)
 {
     const uint64_t pattern = static_cast<uint64_t>(m);
-    const uint64_t fill = 0u - (pattern >> 63);  // m's sign in every bit
+    const uint64_t fill = topBitMask(pattern);
     const int r = static_cast<int>(static_cast<unsigned>(shift) % 64u);
     const bool upperLimb = (static_cast<unsigned>(shift) & 64u) != 0u;
     const uint64_t shiftedLow = pattern << r;
@@ -157,7 +157,7 @@ void splitIntoWords(double x, int32_t* words, int nw, int pad)
 // the powers of two that bound the format, and splitting it into m x 2^e,
 // both come down to its IEEE bits, which are read here once instead of
 // being worked out again stage by stage. Nothing branches on the value's
-// sign, a coin toss for measured data.
+// sign.
 int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int pad)
 {
     uint64_t ieee;
@@ -182,7 +182,7 @@ int quantiseLargeSaturated(double value, int bits, int32_t* words, int sign, int
     }
     // value = significand x 2^(biased exponent - 1075); the signed
     // significand is negated through a mask.
-    const uint64_t signMask = 0u - negative;
+    const uint64_t signMask = topBitMask(ieee);
     const uint64_t significand = (magnitude & ((uint64_t{1} << 52) - 1u)) | (uint64_t{1} << 52);
     const int exponent = static_cast<int>(magnitude >> 52) - 1075;
     writeShiftedInteger(static_cast<int64_t>((significand ^ signMask) - signMask), exponent + pad,

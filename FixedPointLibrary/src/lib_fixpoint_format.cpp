@@ -198,9 +198,7 @@ uint32_t convertLimbs(const int32_t* srcLow, int srcBits, int32_t* dstLow, int d
                       int sign, int round, int wrap)
 {
     const Limbs src = readSource(srcLow, srcBits);
-    // All ones for a negative value: a mask rather than a branch on the
-    // value's sign, a coin toss for measured data.
-    const uint64_t extension = sign != 0 ? 0u - (src.hi >> 63) : 0u;
+    const uint64_t extension = sign != 0 ? topBitMask(src.hi) : 0u;
     // The lost integer bits, and the new sign bit of a signed result, must
     // all repeat the value's sign (below the source they read as zero).
     if (gained < 0 && wrap == 0 && !topBitsRepeat(src, extension, -gained + (sign != 0 ? 1 : 0)))
@@ -258,9 +256,7 @@ inline bool convertWithin64Bits(const int32_t* src, int32_t* dst, int srcbits, i
     const uint64_t a = srcbits > 32 ? (uint64_t{asUnsigned(src[1])} << 32) | lowest
                                     : uint64_t{lowest} << 32;
     // m's two's complement bits: a shifted right, sign-extended when signed.
-    // The extension is a mask (all ones for a negative value), not a branch:
-    // the sign of measured data is a coin toss.
-    const uint64_t extension = sign != 0 ? 0u - (a >> 63) : 0u;
+    const uint64_t extension = sign != 0 ? topBitMask(a) : 0u;
     uint64_t m = 0;
     uint64_t roundingBit = 0;
     if (shift >= 64) {
